@@ -1,0 +1,27 @@
+// The run loop: the whole emulation, one instruction at a time, on the one
+// thread, handing control to the window system twice per 62,500-T-state frame.
+#pragma once
+
+#include <cstdint>
+
+namespace tvc {
+
+class Machine;
+
+// Runs while RunFlag is exactly 1; with RunFlag 0 it performs one pass.
+void RunLoop(Machine& m);
+
+// One pass of the loop: one whole instruction (all its prefix stages), the
+// interrupt sampling, the tone timer, the cursor interrupt, the frame work at
+// a frame boundary, and the breakpoint test.
+void RunPass(Machine& m);
+
+// What the loop does on leaving: the CPU monitor's Stop button turns red.
+void LeaveRunLoop(Machine& m);
+
+// The host clock for the load display: TimingRead is the time since
+// TimingStart in units of 10 microseconds, rounded half to even.
+void TimingStart(Machine& m);
+int32_t TimingRead(const Machine& m);
+
+} // namespace tvc

@@ -1,0 +1,15 @@
+// The headless runner's host: messages go to stderr, there is nothing to
+// yield to, and a fatal stop is remembered for the exit status.
+#pragma once
+
+#include "core/Host.h"
+
+namespace tvc::headless {
+
+class HeadlessHost final : public Host {
+public:
+    void MessageBox(std::string_view text, std::string_view title, MsgKind kind) override;
+    void Fatal(std::string_view text, std::string_view title) override;
+};
+
+} // namespace tvc::headless

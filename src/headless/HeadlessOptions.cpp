@@ -1,0 +1,158 @@
+#include "headless/HeadlessOptions.h"
+
+#include <cstring>
+
+#include "core/MenuState.h"
+
+namespace tvc::headless {
+
+const char* const kUsage = R"(Usage: tvc-headless [options]
+
+Runs the TV Computer without a window, at "Max" pace, and reports its state.
+
+Machine set-up (applied in this order):
+  --dir DIR              working directory; ROM files are read from it
+  --set NAME=0|1         set a menu check mark before the machine is built
+                         (xBasic, x32KB, xio0..xio3, xUnDoc, xS6, xScreenBW, ...);
+                         xUnDoc takes effect as its menu command does, after start
+  --port N=V             set PortLatch[N] after reset
+  --load-bin FILE        load a file into memory from index 0 (at most 65536 bytes)
+  --poke ADDR=VAL        write a byte through the memory map
+  --reg NAME=V           set a register, flag or line by its --dump-regs name
+                         (RegPC=0x100, FlagC=1, IFF1=1, ...)
+Running:
+  --steps N              run exactly N instructions
+  --frames N             run N frames (62,500 T-states each)
+                         A run also ends when the program stops the machine.
+Output, after the run:
+  --dump-regs FILE|-     the processor state and clocks as a JSON object
+  --dump-mem ADDR:LEN:FILE
+                         LEN bytes from ADDR, read through the memory map
+  --help                 this text
+
+Numbers are decimal or 0x hexadecimal.
+Exit status: 0 normal end, 2 bad usage, 3 the machine hit a fatal stop.
+)";
+
+std::optional<int64_t> ParseNumber(const std::string& text) {
+    if (text.empty()) return std::nullopt;
+    size_t i = 0;
+    int base = 10;
+    bool neg = false;
+    if (text.size() > 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X')) {
+        base = 16;
+        i = 2;
+    } else if (text[0] == '-') {
+        neg = true;
+        i = 1;
+        if (text.size() == 1) return std::nullopt;
+    }
+    int64_t v = 0;
+    for (; i < text.size(); ++i) {
+        const char c = text[i];
+        int d;
+        if (c >= '0' && c <= '9') d = c - '0';
+        else if (base == 16 && c >= 'a' && c <= 'f') d = c - 'a' + 10;
+        else if (base == 16 && c >= 'A' && c <= 'F') d = c - 'A' + 10;
+        else return std::nullopt;
+        v = v * base + d;
+        if (v > (int64_t(1) << 40)) return std::nullopt;
+    }
+    return neg ? -v : v;
+}
+
+namespace {
+
+bool SplitPair(const std::string& text, char sep, std::string& left, std::string& right) {
+    const size_t at = text.find(sep);
+    if (at == std::string::npos) return false;
+    left = text.substr(0, at);
+    right = text.substr(at + 1);
+    return true;
+}
+
+std::optional<int32_t> InRange(const std::string& text, int64_t lo, int64_t hi) {
+    auto v = ParseNumber(text);
+    if (!v || *v < lo || *v > hi) return std::nullopt;
+    return static_cast<int32_t>(*v);
+}
+
+bool KnownMenuItem(const std::string& name) {
+    for (const MenuItem& item : kMenuItems)
+        if (name == item.name) return true;
+    return false;
+}
+
+} // namespace
+
+std::optional<Options> ParseOptions(const std::vector<std::string>& args, std::string& error) {
+    Options o;
+    auto fail = [&](const std::string& why) -> std::optional<Options> {
+        error = why;
+        return std::nullopt;
+    };
+    for (size_t i = 0; i < args.size(); ++i) {
+        const std::string& a = args[i];
+        if (a == "--help" || a == "-h") {
+            o.help = true;
+            continue;
+        }
+        if (a.rfind("--", 0) != 0) return fail("unexpected argument '" + a + "'");
+        std::string name = a, value;
+        if (const size_t eq = a.find('='); eq != std::string::npos && a.find('=') < a.size()) {
+            // --opt=value is accepted as well as --opt value
+            name = a.substr(0, eq);
+            value = a.substr(eq + 1);
+        } else {
+            if (i + 1 >= args.size()) return fail("option " + a + " needs a value");
+            value = args[++i];
+        }
+        std::string l, r;
+        if (name == "--dir") {
+            o.dir = value;
+        } else if (name == "--set") {
+            if (!SplitPair(value, '=', l, r) || !KnownMenuItem(l) || (r != "0" && r != "1"))
+                return fail("--set takes NAME=0|1 with a known menu item, not '" + value + "'");
+            o.sets.emplace_back(l, r == "1");
+        } else if (name == "--port") {
+            std::optional<int32_t> n, v;
+            if (!SplitPair(value, '=', l, r) || !(n = InRange(l, 0, 255)) || !(v = InRange(r, 0, 255)))
+                return fail("--port takes N=V with both in 0..255, not '" + value + "'");
+            o.ports.emplace_back(*n, *v);
+        } else if (name == "--reg") {
+            std::optional<int32_t> v;
+            if (!SplitPair(value, '=', l, r) || !(v = InRange(r, INT32_MIN, INT32_MAX)))
+                return fail("--reg takes NAME=V, not '" + value + "'");
+            o.regs.emplace_back(l, *v);
+        } else if (name == "--load-bin") {
+            o.loadBins.push_back(value);
+        } else if (name == "--poke") {
+            std::optional<int32_t> ad, v;
+            if (!SplitPair(value, '=', l, r) || !(ad = InRange(l, 0, 65535)) ||
+                !(v = InRange(r, 0, 255)))
+                return fail("--poke takes ADDR=VAL (0..65535, 0..255), not '" + value + "'");
+            o.pokes.emplace_back(*ad, *v);
+        } else if (name == "--steps" || name == "--frames") {
+            auto v = ParseNumber(value);
+            if (!v || *v < 0) return fail(name + " takes a count, not '" + value + "'");
+            (name == "--steps" ? o.steps : o.frames) = *v;
+        } else if (name == "--dump-regs") {
+            o.dumpRegs = value;
+        } else if (name == "--dump-mem") {
+            const size_t c1 = value.find(':');
+            const size_t c2 = c1 == std::string::npos ? c1 : value.find(':', c1 + 1);
+            std::optional<int32_t> ad, len;
+            if (c2 == std::string::npos || !(ad = InRange(value.substr(0, c1), 0, 65535)) ||
+                !(len = InRange(value.substr(c1 + 1, c2 - c1 - 1), 0, 65536)) ||
+                value.size() == c2 + 1)
+                return fail("--dump-mem takes ADDR:LEN:FILE, not '" + value + "'");
+            o.dumpMems.push_back({*ad, *len, value.substr(c2 + 1)});
+        } else {
+            return fail("unknown option " + name);
+        }
+    }
+    if (o.steps && o.frames) return fail("--steps and --frames cannot be combined");
+    return o;
+}
+
+} // namespace tvc::headless

@@ -1,0 +1,40 @@
+// Command line of tvc-headless.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace tvc::headless {
+
+struct MemDump {
+    int32_t address;
+    int32_t length;
+    std::string file;
+};
+
+struct Options {
+    std::string dir;
+    std::vector<std::pair<std::string, bool>> sets;       // menu check marks
+    std::vector<std::pair<int32_t, int32_t>> ports;       // PortLatch entries
+    std::vector<std::pair<std::string, int32_t>> regs;    // registers by name
+    std::vector<std::string> loadBins;
+    std::vector<std::pair<int32_t, int32_t>> pokes;
+    std::optional<int64_t> steps;
+    std::optional<int64_t> frames;
+    std::optional<std::string> dumpRegs;
+    std::vector<MemDump> dumpMems;
+    bool help = false;
+};
+
+// Parses argv; on a usage error returns no value and sets `error`.
+std::optional<Options> ParseOptions(const std::vector<std::string>& args, std::string& error);
+
+// A number in decimal (optionally negative) or 0x hexadecimal, the whole text.
+std::optional<int64_t> ParseNumber(const std::string& text);
+
+extern const char* const kUsage;
+
+} // namespace tvc::headless

@@ -1,0 +1,151 @@
+// tvc-headless: the emulator without a window, for scripts and tests.
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <iostream>
+#include <memory>
+#include <sstream>
+
+#include "core/Machine.h"
+#include "core/RunLoop.h"
+#include "core/StateFields.h"
+#include "headless/HeadlessHost.h"
+#include "headless/HeadlessOptions.h"
+#include "hw/MachineSetup.h"
+#include "hw/Memory.h"
+
+namespace tvc::headless {
+namespace {
+
+constexpr int kExitOk = 0, kExitUsage = 2, kExitFatal = 3, kExitIo = 1;
+
+int Usage(const std::string& why) {
+    std::cerr << "tvc-headless: " << why << "\nTry 'tvc-headless --help'.\n";
+    return kExitUsage;
+}
+
+bool SetMenu(Machine& m, const std::string& name, bool value) {
+    for (const MenuItem& item : kMenuItems)
+        if (name == item.name) {
+            m.menu.*item.field = value;
+            return true;
+        }
+    return false;
+}
+
+std::string RegsJson(Machine& m) {
+    std::ostringstream out;
+    out << "{\n";
+    for (const StateField& f : StateFields(m)) out << "  \"" << f.name << "\": " << *f.value << ",\n";
+    out << "  \"TotalT\": " << m.run.TotalT << ",\n";
+    out << "  \"RunFlag\": " << int(m.run.RunFlag) << ",\n";
+    out << "  \"FrameCount\": " << m.run.FrameCount << ",\n";
+    out << "  \"PortLatch\": [";
+    for (int i = 0; i < 256; ++i) out << (i ? "," : "") << int(m.bus.PortLatch[i]);
+    out << "]\n}\n";
+    return out.str();
+}
+
+bool WriteOut(const std::string& file, const std::string& data) {
+    if (file == "-") {
+        std::cout << data << std::flush;
+        return true;
+    }
+    std::ofstream out(file, std::ios::binary);
+    out << data;
+    return static_cast<bool>(out);
+}
+
+// Loads a binary into Mem from index 0, as the CPU monitor's "Load Bin" does.
+bool LoadBin(Machine& m, const std::string& file) {
+    std::ifstream in(file, std::ios::binary);
+    if (!in) return false;
+    std::vector<char> buf(65536);
+    in.read(buf.data(), static_cast<std::streamsize>(buf.size()));
+    std::copy_n(buf.begin(), in.gcount(), m.bus.Mem.begin());
+    return true;
+}
+
+void Run(Machine& m, const Options& o) {
+    m.run.RunFlag = 1;
+    if (o.steps) {
+        for (int64_t i = 0; i < *o.steps && m.run.RunFlag == 1; ++i) RunPass(m);
+    } else if (o.frames) {
+        const uint64_t end = m.run.FrameCount + static_cast<uint64_t>(*o.frames);
+        while (m.run.FrameCount < end && m.run.RunFlag == 1) RunPass(m);
+    } else {
+        return;
+    }
+    LeaveRunLoop(m);
+}
+
+int Main(const std::vector<std::string>& args) {
+    std::string error;
+    auto parsed = ParseOptions(args, error);
+    if (!parsed) return Usage(error);
+    const Options& o = *parsed;
+    if (o.help) {
+        std::cout << kUsage;
+        return kExitOk;
+    }
+    if (!o.dir.empty() && chdir(o.dir.c_str()) != 0) {
+        std::cerr << "tvc-headless: cannot enter " << o.dir << ": " << std::strerror(errno) << '\n';
+        return kExitUsage;
+    }
+
+    HeadlessHost host;
+    auto machine = std::make_unique<Machine>(host);
+    Machine& m = *machine;
+    bool undoc = m.menu.xUnDoc;
+    for (const auto& [name, value] : o.sets) {
+        SetMenu(m, name, value);
+        if (name == "xUnDoc") undoc = value;
+    }
+    m.menu.xS6 = true; // the runner always runs at "Max" pace
+
+    MachineInit(m);
+    if (!m.FatalStop) MachineReset(m);
+    if (m.FatalStop) return kExitFatal;
+    m.cpu.UndocEnabled = undoc ? 1 : 0;
+
+    for (const auto& [port, value] : o.ports) m.bus.PortLatch[port] = static_cast<uint8_t>(value);
+    for (const std::string& file : o.loadBins)
+        if (!LoadBin(m, file)) {
+            std::cerr << "tvc-headless: cannot read " << file << '\n';
+            return kExitIo;
+        }
+    for (const auto& [addr, value] : o.pokes) MemWrite(m, addr, value);
+    const auto fields = StateFields(m);
+    for (const auto& [name, value] : o.regs) {
+        auto it = std::find_if(fields.begin(), fields.end(),
+                               [&](const StateField& f) { return name == f.name; });
+        if (it == fields.end()) return Usage("unknown register '" + name + "'");
+        *it->value = value;
+    }
+
+    Run(m, o);
+
+    if (o.dumpRegs && !WriteOut(*o.dumpRegs, RegsJson(m))) {
+        std::cerr << "tvc-headless: cannot write " << *o.dumpRegs << '\n';
+        return kExitIo;
+    }
+    for (const MemDump& d : o.dumpMems) {
+        std::string bytes(static_cast<size_t>(d.length), '\0');
+        for (int32_t i = 0; i < d.length; ++i) bytes[i] = static_cast<char>(MemRead(m, d.address + i));
+        if (!WriteOut(d.file, bytes)) {
+            std::cerr << "tvc-headless: cannot write " << d.file << '\n';
+            return kExitIo;
+        }
+    }
+    return m.FatalStop ? kExitFatal : kExitOk;
+}
+
+} // namespace
+} // namespace tvc::headless
+
+int main(int argc, char** argv) {
+    return tvc::headless::Main(std::vector<std::string>(argv + 1, argv + argc));
+}

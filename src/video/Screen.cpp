@@ -1,0 +1,9 @@
+#include "video/Screen.h"
+
+#include "core/Machine.h"
+
+namespace tvc {
+
+void ScreenRedraw(Machine& m) { m.host->PictureReady(); }
+
+} // namespace tvc

@@ -1,6 +1,7 @@
 #include "headless/HeadlessOptions.h"
 
-#include <cstring>
+#include <algorithm>
+#include <string_view>
 
 #include "core/MenuState.h"
 
@@ -77,6 +78,11 @@ std::optional<int32_t> InRange(const std::string& text, int64_t lo, int64_t hi) 
     return static_cast<int32_t>(*v);
 }
 
+constexpr std::string_view kValueOptions[] = {
+    "--dir",   "--set",   "--port",   "--reg",       "--load-bin",
+    "--poke",  "--steps", "--frames", "--dump-regs", "--dump-mem",
+};
+
 bool KnownMenuItem(const std::string& name) {
     for (const MenuItem& item : kMenuItems)
         if (name == item.name) return true;
@@ -99,9 +105,12 @@ std::optional<Options> ParseOptions(const std::vector<std::string>& args, std::s
         }
         if (a.rfind("--", 0) != 0) return fail("unexpected argument '" + a + "'");
         std::string name = a, value;
-        if (const size_t eq = a.find('='); eq != std::string::npos && a.find('=') < a.size()) {
-            // --opt=value is accepted as well as --opt value
-            name = a.substr(0, eq);
+        const size_t eq = a.find('=');
+        if (eq != std::string::npos) name = a.substr(0, eq); // --opt=value as well as --opt value
+        if (std::find(std::begin(kValueOptions), std::end(kValueOptions), name) ==
+            std::end(kValueOptions))
+            return fail("unknown option " + name);
+        if (eq != std::string::npos) {
             value = a.substr(eq + 1);
         } else {
             if (i + 1 >= args.size()) return fail("option " + a + " needs a value");
@@ -147,8 +156,6 @@ std::optional<Options> ParseOptions(const std::vector<std::string>& args, std::s
                 value.size() == c2 + 1)
                 return fail("--dump-mem takes ADDR:LEN:FILE, not '" + value + "'");
             o.dumpMems.push_back({*ad, *len, value.substr(c2 + 1)});
-        } else {
-            return fail("unknown option " + name);
         }
     }
     if (o.steps && o.frames) return fail("--steps and --frames cannot be combined");

@@ -1,0 +1,108 @@
+// The command-line runner as scripts use it: options, exit codes, dumps.
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <fstream>
+#include <sstream>
+
+#include "support/TestMachine.h"
+
+namespace tvc::test {
+namespace {
+
+struct Result {
+    int status;
+    std::string out;
+};
+
+Result RunHeadless(const std::string& args) {
+    const std::string cmd = std::string(TVC_HEADLESS_BIN) + " " + args + " 2>&1";
+    FILE* p = popen(cmd.c_str(), "r");
+    Result r{-1, {}};
+    if (!p) return r;
+    char buf[4096];
+    size_t n;
+    while ((n = fread(buf, 1, sizeof buf, p)) > 0) r.out.append(buf, n);
+    const int st = pclose(p);
+    r.status = WIFEXITED(st) ? WEXITSTATUS(st) : -1;
+    return r;
+}
+
+// The value of "name" in the JSON object that --dump-regs prints.
+long JsonValue(const std::string& json, const std::string& name) {
+    const size_t at = json.find("\"" + name + "\": ");
+    if (at == std::string::npos) return -999999;
+    return std::stol(json.substr(at + name.size() + 4));
+}
+
+TEST(Headless, UsageAndExitCodes) {
+    ScratchDir dir;
+    const struct {
+        std::string args;
+        int status;
+        const char* says;
+    } cases[] = {
+        {"--help", 0, "--dump-regs"},
+        {"--bogus", 2, "unknown option --bogus"},
+        {"--steps", 2, "needs a value"},
+        {"--steps 12x", 2, "--steps takes a count"},
+        {"--set xNothing=1", 2, "known menu item"},
+        {"--set xBasic=2", 2, "NAME=0|1"},
+        {"--port 256=1", 2, "--port takes"},
+        {"--poke 0x10000=1", 2, "--poke takes"},
+        {"--dump-mem 0:10", 2, "--dump-mem takes"},
+        {"--steps 1 --frames 1", 2, "cannot be combined"},
+        {"--dir " + dir.path().string() + " --steps 1", 3, "Rom File error: "},
+    };
+    for (const auto& k : cases) {
+        const Result r = RunHeadless(k.args);
+        EXPECT_EQ(r.status, k.status) << k.args << "\n" << r.out;
+        EXPECT_NE(r.out.find(k.says), std::string::npos) << k.args << "\n" << r.out;
+    }
+}
+
+TEST(Headless, RunsAProgramAndDumpsRegistersAndMemory) {
+    ScratchDir dir;
+    WriteRomSet(dir);
+    // LD A,5; LD B,7; ADD A,B; LD HL,0x1234; INC HL; HALT
+    dir.Write("prog.bin", {0x3E, 0x05, 0x06, 0x07, 0x80, 0x21, 0x34, 0x12, 0x23, 0x76});
+    const std::string d = dir.path().string();
+    const Result r = RunHeadless("--dir " + d + " --port 2=0xB0 --load-bin prog.bin --steps 6 " +
+                                 "--poke 0x9000=0xAB --dump-regs regs.json --dump-mem 0x8FFF:3:mem.bin");
+    ASSERT_EQ(r.status, 0) << r.out;
+    std::ifstream in(dir.path() / "regs.json");
+    std::stringstream json;
+    json << in.rdbuf();
+    EXPECT_EQ(JsonValue(json.str(), "RegA"), 12);
+    EXPECT_EQ(JsonValue(json.str(), "RegB"), 7);
+    EXPECT_EQ(JsonValue(json.str(), "RegH"), 0x12);
+    EXPECT_EQ(JsonValue(json.str(), "RegL"), 0x35);
+    EXPECT_EQ(JsonValue(json.str(), "RegPC"), 9);
+    EXPECT_EQ(JsonValue(json.str(), "Halted"), 1);
+    EXPECT_EQ(JsonValue(json.str(), "InstCount"), 6);
+    EXPECT_EQ(JsonValue(json.str(), "TStates"), 3 + 7 + 7 + 4 + 10 + 6 + 4);
+    EXPECT_NE(json.str().find("\"PortLatch\": [0,0,176,"), std::string::npos);
+
+    std::ifstream mem(dir.path() / "mem.bin", std::ios::binary);
+    std::string bytes((std::istreambuf_iterator<char>(mem)), {});
+    EXPECT_EQ(bytes, std::string("\x00\xAB\x00", 3));
+}
+
+TEST(Headless, RegistersSetByNameAndFramesRun) {
+    ScratchDir dir;
+    WriteRomSet(dir);
+    const Result r = RunHeadless("--dir " + dir.path().string() +
+                                 " --port 2=0xB0 --reg RegPC=0x100 --reg FlagC=0 --reg RegSP=0xF000"
+                                 " --frames 3 --dump-regs -");
+    ASSERT_EQ(r.status, 0) << r.out;
+    EXPECT_EQ(JsonValue(r.out, "FrameCount"), 3);
+    EXPECT_EQ(JsonValue(r.out, "FlagC"), 0);
+    EXPECT_EQ(JsonValue(r.out, "RegSP"), 0xF000);
+    EXPECT_GT(JsonValue(r.out, "RegPC"), 0x100); // ran NOPs through RAM
+
+    const Result bad = RunHeadless("--dir " + dir.path().string() + " --reg RegQ=1");
+    EXPECT_EQ(bad.status, 2);
+}
+
+} // namespace
+} // namespace tvc::test

@@ -1,0 +1,178 @@
+// Building the machine from its ROM files and the menu, and the warm reset.
+#include <gtest/gtest.h>
+
+#include "hw/MachineSetup.h"
+#include "hw/Memory.h"
+#include "support/TestMachine.h"
+
+namespace tvc::test {
+namespace {
+
+struct Built {
+    ScratchDir dir;
+    RecordingHost host;
+    std::unique_ptr<Machine> m = std::make_unique<Machine>(host);
+
+    // Each ROM file filled with its own marker byte: index in kRomFiles + 1.
+    void WriteMarkedRoms() {
+        uint8_t marker = 1;
+        for (const RomFile& rom : kRomFiles)
+            dir.Write(rom.name, std::vector<uint8_t>(size_t(rom.bytesRead), marker++));
+    }
+    uint8_t At(int32_t offset) const { return m->bus.Mem[offset]; }
+};
+
+TEST(MachineInit, RomSetFollowsTheBasicMenuItem) {
+    for (bool basic22 : {false, true}) {
+        Built b;
+        b.WriteMarkedRoms();
+        b.m->menu.xBasic = basic22;
+        MachineInit(*b.m);
+        ASSERT_FALSE(b.m->FatalStop);
+        // markers: 1 TVC12_D4, 2 TVC12_D3, 3 TVC12_D7, 4 TVC22_D6, 5 TVC22_D4, 6 TVC22_D7
+        EXPECT_EQ(b.At(0x18000), basic22 ? 4 : 1);
+        EXPECT_EQ(b.At(0x19FFF), basic22 ? 4 : 1);
+        EXPECT_EQ(b.At(0x1A000), basic22 ? 5 : 2);
+        EXPECT_EQ(b.At(0x1E000), basic22 ? 6 : 3);
+        EXPECT_EQ(b.At(0x1FFFF), basic22 ? 6 : 3);
+        EXPECT_EQ(b.At(0x1C000), 0); // the gap between system and extension ROM
+    }
+}
+
+TEST(MachineInit, CardRomsFollowTheSlotItems) {
+    Built b;
+    b.WriteMarkedRoms();
+    std::vector<uint8_t> snd(32768);
+    for (size_t i = 0; i < snd.size(); ++i) snd[i] = static_cast<uint8_t>(0x10 + i / 8192);
+    b.dir.Write("sndmx.rom", snd);
+    b.m->menu.xio0 = true;
+    b.m->menu.xio2 = true;
+    b.m->menu.xio3 = true;
+    MachineInit(*b.m);
+    ASSERT_FALSE(b.m->FatalStop);
+    EXPECT_EQ(b.At(0x38000), 7);
+    EXPECT_EQ(b.At(0x3BFFF), 7);
+    EXPECT_EQ(b.At(0x30000), 0x13); // the fourth 8 KB page of sndmx.rom
+    EXPECT_EQ(b.At(0x32000), 9);
+    EXPECT_EQ(b.At(0x14000), 0); // no cartridge
+}
+
+TEST(MachineInit, SlotsLeftEmptyStayZero) {
+    Built b;
+    b.WriteMarkedRoms();
+    b.m->menu.xio2 = false;
+    MachineInit(*b.m);
+    EXPECT_EQ(b.At(0x30000), 0);
+    EXPECT_EQ(b.At(0x38000), 0);
+    EXPECT_EQ(b.At(0x32000), 0);
+}
+
+TEST(MachineInit, ShortRomFillsWithZerosAndLongOneIsCut) {
+    Built b;
+    b.WriteMarkedRoms();
+    b.dir.Write("TVC12_D4.rom", {0xAA, 0xBB});
+    b.dir.Write("TVC12_D3.rom", std::vector<uint8_t>(9000, 0xCC));
+    MachineInit(*b.m);
+    EXPECT_EQ(b.At(0x18000), 0xAA);
+    EXPECT_EQ(b.At(0x18001), 0xBB);
+    EXPECT_EQ(b.At(0x18002), 0x00);
+    EXPECT_EQ(b.At(0x1BFFF), 0xCC);
+    EXPECT_EQ(b.At(0x1C000), 0x00);
+}
+
+TEST(MachineInit, MissingSystemRomIsFatal) {
+    for (const char* missing : {"TVC12_D4.rom", "TVC12_D3.rom", "TVC12_D7.rom"}) {
+        Built b;
+        b.WriteMarkedRoms();
+        std::filesystem::remove(b.dir.path() / missing);
+        MachineInit(*b.m);
+        EXPECT_TRUE(b.m->FatalStop) << missing;
+        ASSERT_EQ(b.host.fatals.size(), 1u);
+        EXPECT_EQ(b.host.fatals[0].text, "Rom File error: ");
+        EXPECT_EQ(b.host.fatals[0].title, "Error");
+    }
+}
+
+TEST(MachineInit, MissingCardRomOrCartridgeIsFatalWithItsName) {
+    const struct {
+        const char* file;
+        bool xio0, xio2;
+        const char* cart;
+    } cases[] = {{"sndmx.rom", false, true, ""},
+                 {"hbf.rom", true, false, ""},
+                 {nullptr, false, false, "game.crt"}};
+    for (const auto& k : cases) {
+        Built b;
+        b.WriteMarkedRoms();
+        if (k.file) std::filesystem::remove(b.dir.path() / k.file);
+        b.m->menu.xio0 = k.xio0;
+        b.m->menu.xio2 = k.xio2;
+        b.m->bus.SetCartName(k.cart);
+        MachineInit(*b.m);
+        EXPECT_TRUE(b.m->FatalStop);
+        ASSERT_EQ(b.host.fatals.size(), 1u);
+        EXPECT_EQ(b.host.fatals[0].text,
+                  std::string("File not found: ") + (k.file ? k.file : k.cart));
+    }
+}
+
+TEST(MachineInit, CartridgeImageAndMex4mb) {
+    Built b;
+    b.WriteMarkedRoms();
+    b.dir.Write("game.crt", std::vector<uint8_t>(100, 0xC7));
+    b.m->bus.SetCartName("game.crt");
+    MachineInit(*b.m);
+    EXPECT_EQ(b.At(0x14000), 0xC7);
+    EXPECT_EQ(b.At(0x14063), 0xC7);
+    EXPECT_EQ(b.At(0x14064), 0x00);
+
+    b.dir.Write("mex4mb.crt", std::vector<uint8_t>(20000, 0x3E));
+    b.m->bus.SetCartName("mex4mb.crt");
+    MachineInit(*b.m);
+    ASSERT_EQ(b.m->bus.MexMem.size(), size_t(kMexPages) * kMexPageSize);
+    EXPECT_EQ(b.m->bus.MexMem[19999], 0x3E);
+    EXPECT_EQ(b.m->bus.MexMem[20000], 0x00);
+    EXPECT_EQ(b.At(0x14000), 0x00); // the image slot is left as MachineInit made it
+}
+
+TEST(MachineInit, PowerCycleClearsRamAndEnablesUndocumented) {
+    TestMachine t;
+    MemWrite(t.m(), 0x1000, 0x55);
+    t.cpu().UndocEnabled = 0;
+    t.m().run.InstCount = 99;
+    MachineInit(t.m());
+    EXPECT_EQ(t.m().bus.Mem[0x1000], 0);
+    EXPECT_EQ(t.cpu().UndocEnabled, 1);
+    EXPECT_EQ(t.m().run.InstCount, 0);
+    EXPECT_EQ(t.cpu().TStates, 0);
+}
+
+TEST(MachineReset, WarmResetKeepsMemoryAndResetsLatches) {
+    TestMachine t;
+    Machine& m = t.m();
+    MemWrite(m, 0x1000, 0x55);
+    for (auto& latch : m.bus.PortLatch) latch = 0x33;
+    for (auto& row : m.bus.KeyMatrix) row = 1;
+    for (auto& reg : m.crtc.CrtcReg) reg = 0x44;
+    m.run.FrameT = 1234;
+    m.cpu.RegPC = 0x4321;
+    m.cpu.IntMode = 1;
+    const int32_t t0 = m.cpu.TStates;
+    MachineReset(m);
+    EXPECT_EQ(m.bus.Mem[0x1000], 0x55);
+    EXPECT_EQ(m.bus.PortLatch[0x59], 191);
+    EXPECT_EQ(m.bus.PortLatch[5], 255);
+    for (int i = 0; i < 256; ++i)
+        if (i != 0x59 && i != 5) {
+            EXPECT_EQ(m.bus.PortLatch[i], 0) << i;
+        }
+    for (uint8_t row : m.bus.KeyMatrix) EXPECT_EQ(row, 0);
+    for (int r = 0; r <= 18; ++r) EXPECT_EQ(m.crtc.CrtcReg[r], r == 10 ? 32 : 0) << r;
+    EXPECT_EQ(m.run.FrameT, 1234);
+    EXPECT_EQ(m.cpu.RegPC, 0);
+    EXPECT_EQ(m.cpu.IntMode, 0);
+    EXPECT_EQ(m.cpu.TStates, t0 + 3);
+}
+
+} // namespace
+} // namespace tvc::test

@@ -1,0 +1,228 @@
+// The port decoder: what each write latches or sets off, what each read
+// returns, and the log of ports without a device.
+#include <gtest/gtest.h>
+
+#include "hw/Ports.h"
+#include "support/TestMachine.h"
+
+namespace tvc::test {
+namespace {
+
+int32_t Out(Machine& m, int32_t port, int32_t value) {
+    PortOut(m, port, value);
+    return value;
+}
+
+TEST(PortWrites, LatchedWithoutLog) {
+    for (int port : {0x01, 0x02, 0x03, 0x04, 0x05, 0x06, 0x0F, 0x18, 0x21, 0x60, 0x6F, 0xA0}) {
+        TestMachine t;
+        Out(t.m(), port, 0x81);
+        EXPECT_EQ(t.m().bus.PortLatch[port], 0x81) << port;
+        EXPECT_TRUE(t.m().forms.TScreen.List1.empty()) << port;
+    }
+}
+
+TEST(PortWrites, DeviceAndStatusPortsAreNotLatched) {
+    const int ports[] = {0x07, 0x0C, 0x0D, 0x0E, 0x10, 0x11, 0x12, 0x13, 0x14, 0x20, 0x30,
+                         0x32, 0x33, 0x34, 0x35, 0x38, 0x39, 0x3A, 0x3B, 0x3C, 0x3D, 0x50,
+                         0x57, 0x58, 0x5F, 0x71, 0xE0, 0xF8, 0xFD, 0xFE, 0xFF};
+    for (int port : ports) {
+        TestMachine t;
+        Out(t.m(), port, 0x01);
+        EXPECT_EQ(t.m().bus.PortLatch[port], 0) << port;
+        EXPECT_TRUE(t.m().forms.TScreen.List1.empty()) << port;
+    }
+}
+
+TEST(PortWrites, UnknownPortsAreLatchedAndLogged) {
+    const int ports[] = {0x08, 0x0B, 0x15, 0x17, 0x19, 0x1F, 0x22, 0x2F, 0x31,
+                         0x3E, 0x4F, 0x78, 0x9F, 0xA1, 0xDF, 0xF9, 0xFC};
+    for (int port : ports) {
+        TestMachine t;
+        Out(t.m(), port, 0x42);
+        EXPECT_EQ(t.m().bus.PortLatch[port], 0x42) << port;
+        ASSERT_EQ(t.m().forms.TScreen.List1.size(), 1u) << port;
+        EXPECT_EQ(t.m().forms.TScreen.List1[0], std::to_string(port) + "W");
+    }
+}
+
+TEST(PortWrites, BorderPortAndNumbersAbove255TakeTheDefaultBranch) {
+    TestMachine t;
+    Out(t.m(), 0x00, 0x2A);
+    EXPECT_EQ(t.m().bus.PortLatch[0], 0x2A);
+    Out(t.m(), 0x1FE, 0x15);
+    EXPECT_EQ(t.m().bus.PortLatch[0], 0x15);
+    EXPECT_EQ(t.m().bus.PortLatch[0xFE], 0);
+}
+
+TEST(PortWrites, SlotLinesAndAcknowledge) {
+    TestMachine t;
+    uint8_t& status = t.m().bus.PortLatch[0x59];
+    status = 0x00;
+    const struct {
+        int port, bit;
+    } rows[] = {{0x58, 0}, {0x5D, 1}, {0x5A, 2}, {0x5F, 3}, {0x07, 4}};
+    for (const auto& r : rows) {
+        Out(t.m(), r.port, 0);
+        EXPECT_EQ(status, (2 << r.bit) - 1) << r.port;
+    }
+    t.cpu().IrqRequest = 1;
+    Out(t.m(), 0x07, 0);
+    EXPECT_EQ(t.cpu().IrqRequest, 0);
+}
+
+TEST(PortWrites, CrtcSelectAndMaskedDataChangeTheCallersValue) {
+    TestMachine t;
+    EXPECT_EQ(Out(t.m(), 0x70, 0xEC), 0x0C);
+    EXPECT_EQ(t.m().bus.PortLatch[0x70], 0x0C);
+    EXPECT_EQ(t.m().crtc.CrtcReg[18], 0x0C);
+
+    const int masks[18] = {0xFF, 0xFF, 0xFF, 0xFF, 0x7F, 0x1F, 0x7F, 0x7F, 0xF3,
+                           0x1F, 0x7F, 0x1F, 0x3F, 0xFF, 0x3F, 0xFF, 0x3F, 0xFF};
+    for (int reg = 0; reg < 18; ++reg) {
+        Out(t.m(), 0x74, reg);
+        EXPECT_EQ(Out(t.m(), 0x77, 0xFF), masks[reg]) << reg;
+        EXPECT_EQ(t.m().crtc.CrtcReg[reg], masks[reg]) << reg;
+    }
+    EXPECT_EQ(t.m().bus.PortLatch[0x71], 0); // data writes are not latched
+
+    // Numbers above 17 stay inside the widened register file.
+    Out(t.m(), 0x70, 31);
+    Out(t.m(), 0x71, 0x99);
+    EXPECT_EQ(t.m().crtc.CrtcReg[31], 0x99);
+}
+
+TEST(PortWrites, OutOfARegisterToTheCrtcSelectMasksTheRegister) {
+    TestMachine t;
+    t.Load(0x8000, {0xD3, 0x70}); // OUT (0x70),A
+    t.cpu().RegA = 0x2E;
+    t.Step();
+    EXPECT_EQ(t.cpu().RegA, 0x0E);
+}
+
+TEST(PortWrites, Port6StampsTheLevelIntoThisMomentsSlot) {
+    struct Case {
+        int32_t frameT;
+        int value, slot, stamp;
+    } cases[] = {{0, 0x80, 0, 16},           {141, 0xBC, 0, 31},
+                 {142 * 10 + 5, 0x84, 10, 17}, {62500, 0xFF, 440, 31},
+                 {62600, 0x88, 440, 18}};
+    for (const Case& k : cases) {
+        TestMachine t;
+        t.m().run.FrameT = k.frameT;
+        Out(t.m(), 0x06, k.value);
+        EXPECT_EQ(t.m().sound.ToneSlots[k.slot], k.stamp) << k.frameT;
+        EXPECT_EQ(t.m().bus.PortLatch[0x59] & 0x80, 0x80); // bit 7 set: no strobe
+    }
+}
+
+TEST(PortWrites, Port6StrobeMarksThePrinterBusy) {
+    TestMachine t;
+    t.m().bus.PortLatch[0x59] = 0xFF;
+    Out(t.m(), 0x06, 0x00);
+    EXPECT_EQ(t.m().bus.PortLatch[0x59], 0x7F);
+    EXPECT_EQ(t.m().bus.PortLatch[6], 0x00);
+}
+
+TEST(PortReads, KeyboardRows) {
+    TestMachine t;
+    t.m().bus.KeyMatrix[3] = 0x21;
+    t.m().bus.KeyMatrix[10] = 0x80;
+    const struct {
+        int p3, expect;
+    } rows[] = {{0x03, 255 - 0x21}, {0xF3, 255 - 0x21}, {0x0A, 0x7F}, {0x0B, 255}, {0x0F, 255}};
+    for (const auto& r : rows) {
+        t.m().bus.PortLatch[3] = static_cast<uint8_t>(r.p3);
+        EXPECT_EQ(PortIn(t.m(), 0x58), r.expect) << r.p3;
+        EXPECT_EQ(PortIn(t.m(), 0x5C), r.expect) << r.p3;
+    }
+}
+
+TEST(PortReads, StatusByteBringsColourModeAndPrinterReady) {
+    TestMachine t;
+    uint8_t& status = t.m().bus.PortLatch[0x59];
+    status = 0x0F;
+    EXPECT_EQ(PortIn(t.m(), 0x59), 0x0F | 0x40 | 0x80);
+    EXPECT_EQ(status, 0xCF);
+    t.m().menu.xScreenBW = true;
+    EXPECT_EQ(PortIn(t.m(), 0x5D), 0x0F | 0x80);
+}
+
+TEST(PortReads, CardIdentification) {
+    const struct {
+        bool io0, io1;
+        int id;
+    } cases[] = {{false, false, 255}, {true, false, 254}, {false, true, 243}, {true, true, 242}};
+    for (const auto& k : cases) {
+        TestMachine t;
+        t.m().menu.xio0 = k.io0;
+        t.m().menu.xio1 = k.io1;
+        EXPECT_EQ(PortIn(t.m(), 0x5A), k.id);
+        EXPECT_EQ(PortIn(t.m(), 0x5E), k.id);
+    }
+}
+
+TEST(PortReads, ToneTimerRestartAndReloadValues) {
+    const struct {
+        int p4, p5;
+        int32_t reload;
+    } cases[] = {{0, 0x00, 65536}, {255, 0x0F, 16}, {0x34, 0xF2, (14 * 256 - 0x34) * 16}};
+    for (const auto& k : cases) {
+        TestMachine t;
+        t.m().bus.PortLatch[4] = static_cast<uint8_t>(k.p4);
+        t.m().bus.PortLatch[5] = static_cast<uint8_t>(k.p5);
+        t.m().run.SoundTimer = 7;
+        EXPECT_EQ(PortIn(t.m(), 0x5B), 255);
+        EXPECT_EQ(t.m().run.SoundTimer, k.reload);
+    }
+}
+
+TEST(PortReads, CrtcRegistersReadBackFromTwelveUp) {
+    TestMachine t;
+    t.m().crtc.CrtcReg[4] = 0x11;
+    t.m().crtc.CrtcReg[14] = 0x22;
+    t.m().crtc.CrtcReg[18] = 4;
+    EXPECT_EQ(PortIn(t.m(), 0x71), 255);
+    t.m().crtc.CrtcReg[18] = 14;
+    EXPECT_EQ(PortIn(t.m(), 0x73), 0x22);
+    EXPECT_EQ(PortIn(t.m(), 0x70), 255);
+}
+
+TEST(PortReads, UnknownReadsAreLoggedAnswering255) {
+    TestMachine t;
+    EXPECT_EQ(PortIn(t.m(), 0x31), 255);
+    EXPECT_EQ(PortIn(t.m(), 0x00), 255);
+    const std::vector<std::string> expect = {"49R", "0R"};
+    EXPECT_EQ(t.m().forms.TScreen.List1, expect);
+}
+
+TEST(PortLog, ReadsClearAt101EntriesWritesAfter35) {
+    TestMachine t;
+    auto& list = t.m().forms.TScreen.List1;
+    for (int i = 0; i < 101; ++i) PortIn(t.m(), 0x31);
+    EXPECT_EQ(list.size(), 101u);
+    PortIn(t.m(), 0x31);
+    EXPECT_EQ(list.size(), 1u);
+
+    list.assign(35, "x");
+    Out(t.m(), 0x31, 0);
+    EXPECT_EQ(list.size(), 36u);
+    Out(t.m(), 0x31, 0);
+    EXPECT_EQ(list.size(), 1u);
+}
+
+TEST(PortWrites, SoundCardPageComesFromTheRomFile) {
+    TestMachine t;
+    std::vector<uint8_t> rom(32768);
+    for (size_t i = 0; i < rom.size(); ++i) rom[i] = static_cast<uint8_t>(i / 8192 + 1);
+    t.dir->Write("sndmx.rom", rom);
+    for (int value : {0, 1, 6, 0x37}) {
+        Out(t.m(), 0x36 + (value & 1), value);
+        EXPECT_EQ(t.m().bus.Mem[0x30000], (value & 3) + 1) << value;
+        EXPECT_EQ(t.m().bus.Mem[0x31FFF], (value & 3) + 1) << value;
+    }
+    EXPECT_EQ(t.m().bus.PortLatch[0x36], 0);
+}
+
+} // namespace
+} // namespace tvc::test

@@ -1,0 +1,257 @@
+// The base executor as a program sees it: cost, RegR step and where RegPC
+// goes for the rows whose cost is not the published one, the conditional
+// rows both ways, and the stack and program counter run-off cases.
+#include <gtest/gtest.h>
+
+#include "core/RunLoop.h"
+#include "hw/Memory.h"
+#include "support/TestMachine.h"
+
+namespace tvc::test {
+namespace {
+
+constexpr int32_t kOrg = 0x8000; // in RAM U2 with the test paging
+
+struct CostCase {
+    const char* name;
+    std::vector<uint8_t> code;
+    int Z, C;        // flags before
+    int B;           // RegB before (DJNZ)
+    int tstates, rStep;
+    int32_t pcAfter; // absolute
+};
+
+TEST(BaseExecutor, CostsStepsAndTargets) {
+    const int32_t ret = 0x1234; // what RET and RET cc pop
+    const CostCase cases[] = {
+        {"NOP", {0x00}, 0, 0, 0, 4, 1, kOrg + 1},
+        {"LD B,B", {0x40}, 0, 0, 0, 4, 1, kOrg + 1},
+        {"LD A,(HL)", {0x7E}, 0, 0, 0, 7, 1, kOrg + 1},
+        {"INC (HL)", {0x34}, 0, 0, 0, 11, 1, kOrg + 1},
+        {"LD (HL),n", {0x36, 1}, 0, 0, 0, 10, 1, kOrg + 2},
+        {"LD (nn),HL", {0x22, 0, 0x90}, 0, 0, 0, 16, 1, kOrg + 3},
+        {"LD A,(nn)", {0x3A, 0, 0x90}, 0, 0, 0, 13, 1, kOrg + 3},
+        {"DAA", {0x27}, 0, 0, 0, 7, 1, kOrg + 1},
+        {"SBC A,n", {0xDE, 1}, 0, 0, 0, 4, 1, kOrg + 2},
+        {"XOR n", {0xEE, 1}, 0, 0, 0, 2, 1, kOrg + 2},
+        {"OR n", {0xF6, 1}, 0, 0, 0, 2, 1, kOrg + 2},
+        {"CP n", {0xFE, 1}, 0, 0, 0, 7, 1, kOrg + 2},
+        {"LD SP,HL", {0xF9}, 0, 0, 0, 10, 1, kOrg + 1},
+        {"EX (SP),HL", {0xE3}, 0, 0, 0, 19, 2, kOrg + 1},
+        {"IN A,(n)", {0xDB, 0x80}, 0, 0, 0, 11, 3, kOrg + 2},
+        {"OUT (n),A", {0xD3, 0x80}, 0, 0, 0, 11, 1, kOrg + 2},
+        {"RST 08", {0xCF}, 0, 0, 0, 11, 2, 0x08},
+        {"RST 38", {0xFF}, 0, 0, 0, 11, 1, 0x38},
+        {"RET", {0xC9}, 0, 0, 0, 10, 1, ret},
+        {"RET NZ taken", {0xC0}, 0, 0, 0, 10, 2, ret},
+        {"RET NZ not taken", {0xC0}, 1, 0, 0, 5, 2, kOrg + 1},
+        {"RET C taken", {0xD8}, 0, 1, 0, 10, 2, ret},
+        {"JP nn", {0xC3, 0x00, 0x90}, 0, 0, 0, 10, 1, 0x9000},
+        {"JP NZ taken", {0xC2, 0x00, 0x90}, 0, 0, 0, 10, 0, 0x9000},
+        {"JP NZ not taken", {0xC2, 0x00, 0x90}, 1, 0, 0, 10, 1, kOrg + 3},
+        {"JP Z taken", {0xCA, 0x00, 0x90}, 1, 0, 0, 10, 1, 0x9000},
+        {"JP Z not taken", {0xCA, 0x00, 0x90}, 0, 0, 0, 6, 1, kOrg + 3},
+        {"JP NC not taken", {0xD2, 0x00, 0x90}, 0, 1, 0, 6, 1, kOrg + 3},
+        {"JP C taken", {0xDA, 0x00, 0x90}, 0, 1, 0, 0, 1, 0x9000},
+        {"JP C not taken", {0xDA, 0x00, 0x90}, 0, 0, 0, 6, 1, kOrg + 3},
+        {"JR e", {0x18, 0xFE}, 0, 0, 0, 12, 1, kOrg},
+        {"JR NZ taken", {0x20, 0x10}, 0, 0, 0, 12, 1, kOrg + 0x12},
+        {"JR NZ not taken", {0x20, 0x10}, 1, 0, 0, 7, 1, kOrg + 2},
+        {"JR C back", {0x38, 0x80}, 0, 1, 0, 12, 1, kOrg + 2 - 128},
+        {"DJNZ B=1 falls through", {0x10, 0x10}, 0, 0, 1, 8, 1, kOrg + 2},
+        {"DJNZ B=5 jumps", {0x10, 0x10}, 0, 0, 5, 13, 1, kOrg + 0x12},
+        {"DJNZ B=0 wraps and jumps", {0x10, 0x10}, 0, 0, 0, 13, 1, kOrg + 0x12},
+        {"CALL nn", {0xCD, 0x00, 0x90}, 0, 0, 0, 17, 1, 0x9000},
+        {"CALL Z taken", {0xCC, 0x00, 0x90}, 1, 0, 0, 17, 1, 0x9000},
+        {"CALL Z not taken", {0xCC, 0x00, 0x90}, 0, 0, 0, 10, 1, kOrg + 3},
+        {"PUSH BC", {0xC5}, 0, 0, 0, 11, 1, kOrg + 1},
+        {"POP BC", {0xC1}, 0, 0, 0, 10, 1, kOrg + 1},
+        {"EX DE,HL", {0xEB}, 0, 0, 0, 4, 1, kOrg + 1},
+        {"HALT", {0x76}, 0, 0, 0, 4, 1, kOrg},
+    };
+    for (const CostCase& k : cases) {
+        SCOPED_TRACE(k.name);
+        TestMachine t;
+        Z80& c = t.cpu();
+        t.Load(kOrg, k.code);
+        c.RegSP = 0xA000;
+        MemWrite(t.m(), 0xA000, ret & 255);
+        MemWrite(t.m(), 0xA001, ret >> 8);
+        c.SetHL(0x9100);
+        c.FlagZ = k.Z;
+        c.FlagC = k.C;
+        c.RegB = k.B;
+        c.RegR = 0;
+        const int32_t t0 = c.TStates;
+        t.Step();
+        EXPECT_EQ(c.TStates - t0, k.tstates);
+        EXPECT_EQ(c.RegR, k.rStep);
+        EXPECT_EQ(c.RegPC, k.pcAfter);
+    }
+}
+
+TEST(BaseExecutor, PrefixStageCostsNothingAndOpensTheNextStage) {
+    for (int prefix : {0xCB, 0xDD, 0xED, 0xFD}) {
+        TestMachine t;
+        Z80& c = t.cpu();
+        t.Load(kOrg, {static_cast<uint8_t>(prefix)});
+        c.RegR = 0;
+        const int32_t t0 = c.TStates;
+        c.CurOpcode = prefix;
+        c.xx();
+        EXPECT_EQ(c.PrefixState, prefix);
+        EXPECT_EQ(c.RegPC, kOrg + 1);
+        EXPECT_EQ(c.TStates, t0);
+        EXPECT_EQ(c.RegR, 0);
+    }
+}
+
+TEST(BaseExecutor, JpCarryLoopStopsTheClock) {
+    TestMachine t;
+    t.Load(kOrg, {0xDA, 0x00, 0x80}); // JP C,0x8000
+    t.cpu().FlagC = 1;
+    const int32_t t0 = t.cpu().TStates, f0 = t.m().run.FrameT;
+    t.Step(1000);
+    EXPECT_EQ(t.cpu().TStates, t0);
+    EXPECT_EQ(t.m().run.FrameT, f0);
+    EXPECT_EQ(t.m().run.InstCount, 1000);
+}
+
+TEST(BaseExecutor, PushPopAfKeepsAllEightFlags) {
+    TestMachine t;
+    Z80& c = t.cpu();
+    t.Load(kOrg, {0xF5, 0xF1}); // PUSH AF; POP AF
+    c.RegSP = 0xA000;
+    for (int f : {0x00, 0xFF, 0x28, 0xD7, 0x01, 0x80}) {
+        c.RegPC = kOrg;
+        c.SetFlagsByte(f);
+        t.Step();
+        EXPECT_EQ(MemRead(t.m(), 0x9FFE), f);
+        c.SetFlagsByte(f ^ 0xFF);
+        t.Step();
+        EXPECT_EQ(c.FlagsByte(), f);
+    }
+}
+
+TEST(BaseExecutor, RotatesOfAAndCarryOps) {
+    struct Case {
+        uint8_t op;
+        int a, c, outA, outC, H, N;
+    } cases[] = {
+        {0x07, 0x81, 0, 0x03, 1, 0, 0}, // RLCA
+        {0x0F, 0x01, 0, 0x80, 1, 0, 0}, // RRCA
+        {0x17, 0x80, 0, 0x00, 1, 0, 0}, // RLA
+        {0x17, 0x00, 1, 0x01, 0, 0, 0},
+        {0x1F, 0x01, 0, 0x00, 1, 0, 0}, // RRA
+        {0x1F, 0x00, 1, 0x80, 0, 0, 0},
+        {0x2F, 0x5A, 0, 0xA5, 0, 1, 1}, // CPL
+        {0x37, 0x00, 0, 0x00, 1, 0, 0}, // SCF
+        {0x3F, 0x00, 1, 0x00, 0, 1, 0}, // CCF: H takes the old carry
+        {0x3F, 0x00, 0, 0x00, 1, 0, 0},
+    };
+    for (const Case& k : cases) {
+        TestMachine t;
+        Z80& c = t.cpu();
+        t.Load(kOrg, {k.op});
+        c.RegA = k.a;
+        c.FlagC = k.c;
+        c.FlagH = c.FlagN = 1 - k.H; // make a change visible
+        if (k.op == 0x2F) c.FlagH = c.FlagN = 0;
+        c.FlagS = c.FlagZ = c.FlagP = c.FlagX = c.FlagY = 1;
+        t.Step();
+        SCOPED_TRACE(::testing::Message() << "op " << int(k.op) << " a " << k.a);
+        EXPECT_EQ(c.RegA, k.outA);
+        EXPECT_EQ(c.FlagC, k.outC);
+        EXPECT_EQ(c.FlagH, k.H);
+        EXPECT_EQ(c.FlagN, k.N);
+        EXPECT_EQ(c.FlagS + c.FlagZ + c.FlagP + c.FlagX + c.FlagY, 5);
+    }
+}
+
+TEST(BaseExecutor, CallAndRetStepTheStackPointerWithoutWrap) {
+    TestMachine t;
+    Z80& c = t.cpu();
+    t.Load(kOrg, {0xCD, 0x00, 0x90}); // CALL 0x9000
+    c.RegSP = 0;
+    t.Step();
+    EXPECT_EQ(c.RegSP, -2);
+    EXPECT_EQ(c.RegPC, 0x9000);
+
+    t.Load(kOrg, {0xC5}); // PUSH BC wraps back into range
+    t.Step();
+    EXPECT_EQ(c.RegSP, 65532);
+
+    // RET at 65535 reads 65535 and 65536 and leaves RegSP at 65537.
+    t.Load(kOrg, {0xC9, 0xC1}); // RET; POP BC
+    c.RegSP = 65535;
+    MemWrite(t.m(), 65535, 0x00);
+    t.m().bus.Mem[0x10000] = 0x80; // 65536 reads video page 0 with these page registers
+    t.Step();
+    EXPECT_EQ(c.RegSP, 65537);
+    EXPECT_EQ(c.RegPC, 0x8000);
+    c.RegPC = kOrg + 1;
+    t.Step();
+    EXPECT_EQ(c.RegSP, 3);
+}
+
+TEST(BaseExecutor, ProgramCounterRunsPastFFFFWithoutWrapping) {
+    TestMachine t;
+    Z80& c = t.cpu();
+    t.Load(0xFFFF, {0x00});          // NOP at the top of RAM
+    t.m().bus.Mem[0x10000] = 0x3C;   // INC A, where address 65536 lands
+    c.RegA = 1;
+    t.Step(2);
+    EXPECT_EQ(c.RegPC, 0x10001);
+    EXPECT_EQ(c.RegA, 2);
+}
+
+TEST(BaseExecutor, RunAwayBeyondMemoryFetchesOpenBus) {
+    TestMachine t;
+    Z80& c = t.cpu();
+    // With U3 mapped, an address is an index into Mem itself; past its end
+    // the fetch sees 0xFF, RST 38H, which brings the program back.
+    c.RegPC = 0x3C001;
+    c.RegSP = 0xA000;
+    t.Step();
+    EXPECT_EQ(c.RegPC, 0x38);
+    // The return address 0x3C002 is pushed as its low 16 bits.
+    EXPECT_EQ(MemRead(t.m(), 0x9FFF), 0xC0);
+    EXPECT_EQ(MemRead(t.m(), 0x9FFE), 0x02);
+}
+
+TEST(BaseExecutor, ExchangesSwapWholeSets) {
+    TestMachine t;
+    Z80& c = t.cpu();
+    t.Load(kOrg, {0x08, 0xD9});
+    c.RegA = 1, c.RegA2 = 2;
+    c.SetFlagsByte(0x00);
+    c.FlagS2 = c.FlagZ2 = c.FlagY2 = c.FlagH2 = c.FlagX2 = c.FlagP2 = c.FlagN2 = c.FlagC2 = 1;
+    c.SetBC(0x1111), c.SetDE(0x2222), c.SetHL(0x3333);
+    c.RegB2 = c.RegC2 = c.RegD2 = c.RegE2 = c.RegH2 = c.RegL2 = 0x44;
+    t.Step(2);
+    EXPECT_EQ(c.RegA, 2);
+    EXPECT_EQ(c.RegA2, 1);
+    EXPECT_EQ(c.FlagsByte(), 0xFF);
+    EXPECT_EQ(c.FlagC2, 0);
+    EXPECT_EQ(c.BC(), 0x4444);
+    EXPECT_EQ(c.HL(), 0x4444);
+    EXPECT_EQ(c.RegB2, 0x11);
+    EXPECT_EQ(c.RegL2, 0x33);
+}
+
+TEST(BaseExecutor, CpuResetState) {
+    TestMachine t;
+    Z80& c = t.cpu();
+    c.RegPC = 0x1234, c.RegI = 5, c.IntMode = 1, c.IFF1 = c.IFF2 = 1, c.Halted = 1;
+    const int32_t t0 = c.TStates;
+    c.CpuReset();
+    EXPECT_EQ(c.RegA + c.RegB + c.RegL + c.RegA2 + c.RegL2, 5 * 255);
+    EXPECT_EQ(c.RegIX & c.RegIY & c.RegSP, 65535);
+    EXPECT_EQ(c.FlagsByte(), 0xFF);
+    EXPECT_EQ(c.FlagC2, 1);
+    EXPECT_EQ(c.RegPC | c.RegI | c.RegR | c.IntMode | c.IFF1 | c.IFF2 | c.Halted, 0);
+    EXPECT_EQ(c.TStates, t0 + 3);
+}
+
+} // namespace
+} // namespace tvc::test

@@ -39,6 +39,9 @@ inline int32_t MemRead(Machine& m, int32_t a) {
     using namespace detail;
     Bus& b = m.bus;
     const int32_t p2 = b.PortLatch[2];
+    // Every branch adds a non-negative offset, so an address past the end of
+    // Mem can only land off the map; leaving early also keeps the sums in range.
+    if (a >= kMemSize) return 0xFF;
     if (a < 0x4000) {
         switch (p2 & 0x18) {
         case 0x00: return At(b, a + 0x18000);
@@ -82,6 +85,7 @@ inline void MemWrite(Machine& m, int32_t a, int32_t value) {
     using namespace detail;
     Bus& b = m.bus;
     const int32_t p2 = b.PortLatch[2];
+    if (a >= kMemSize) return;
     if (a < 0x4000) {
         switch (p2 & 0x18) {
         case 0x00: return; // system ROM

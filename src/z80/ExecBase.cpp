@@ -338,9 +338,9 @@ void Z80::xx() {
         std::swap(RegE, RegE2), std::swap(RegH, RegH2), std::swap(RegL, RegL2);
         break;
     case 0xE3: { // EX (SP),HL
-        const int32_t low = Rd(RegSP), high = Rd(RegSP + 1);
+        const int32_t low = Rd(RegSP), high = Rd(WrapAdd(RegSP, 1));
         Wr(RegSP, RegL);
-        Wr(RegSP + 1, RegH);
+        Wr(WrapAdd(RegSP, 1), RegH);
         RegL = low;
         RegH = high;
         break;

@@ -18,6 +18,12 @@ namespace tvc {
 
 class Machine;
 
+// Wrapping arithmetic on the 32-bit registers: a run-away program must not
+// reach signed overflow, which C++ leaves undefined.
+inline int32_t WrapAdd(int32_t a, int32_t b) {
+    return static_cast<int32_t>(static_cast<uint32_t>(a) + static_cast<uint32_t>(b));
+}
+
 // Values of PrefixState that select the executor of the next stage.
 enum : int32_t {
     kPrefixNone = 0,
@@ -134,7 +140,7 @@ public:
     // Shared memory and port access for the executors.
     int32_t Rd(int32_t address);
     void Wr(int32_t address, int32_t value);
-    int32_t Rd16(int32_t address) { return Rd(address) + 256 * Rd(address + 1); }
+    int32_t Rd16(int32_t address) { return Rd(address) + 256 * Rd(WrapAdd(address, 1)); }
     // The 16-bit immediate that follows the opcode at RegPC.
     int32_t Imm16() { return Rd16(RegPC + 1); }
 
@@ -146,11 +152,5 @@ public:
 
     Machine& m;
 };
-
-// Wrapping arithmetic on the 32-bit registers: a run-away program must not
-// reach signed overflow, which C++ leaves undefined.
-inline int32_t WrapAdd(int32_t a, int32_t b) {
-    return static_cast<int32_t>(static_cast<uint32_t>(a) + static_cast<uint32_t>(b));
-}
 
 } // namespace tvc

@@ -23,10 +23,15 @@ struct TScreenControls {
     std::vector<std::string> List1; // the log of ports that have no device
 };
 
+struct TToolsControls {
+    int Label2 = 0; // the last key code seen by the picture
+};
+
 struct Controls {
     CPUmonControls CPUmon;
     TVCmonControls TVCmon;
     TScreenControls TScreen;
+    TToolsControls TTools;
 };
 
 } // namespace tvc

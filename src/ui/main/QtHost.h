@@ -1,0 +1,35 @@
+// The desktop application's host: message boxes, the status panel, the port
+// log, and the run loop's yield points served by Qt's event loop.
+#pragma once
+
+#include <functional>
+
+#include "core/Host.h"
+
+namespace tvc::ui {
+
+class TScreen;
+
+class QtHost final : public Host {
+public:
+    void SetWindow(TScreen* window) { window_ = window; }
+
+    void DoEvents() override;
+    void MessageBox(std::string_view text, std::string_view title, MsgKind kind) override;
+    void Fatal(std::string_view text, std::string_view title) override;
+    void SetStatus(StatusField field, std::string_view text) override;
+    void SetLoadBar(int width) override;
+    void PortLogChanged(bool cleared) override;
+    void MonitorRedraw() override;
+    void Beep(int frequencyHz, int milliseconds) override;
+    void PictureReady() override;
+
+    // What a fatal stop does after its message: ends the process unless a
+    // test replaces it.
+    std::function<void()> onFatal;
+
+private:
+    TScreen* window_ = nullptr;
+};
+
+} // namespace tvc::ui

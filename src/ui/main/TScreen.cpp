@@ -1,0 +1,413 @@
+#include "ui/main/TScreen.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QCloseEvent>
+#include <QDir>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMenuBar>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include "core/Machine.h"
+#include "core/RunLoop.h"
+#include "hw/Keyboard.h"
+#include "hw/MachineSetup.h"
+#include "media/MediaFiles.h"
+#include "ui/main/FScreen.h"
+#include "ui/main/MenuTable.h"
+#include "ui/main/Picture.h"
+#include "ui/main/ScreenView.h"
+#include "ui/main/TTools.h"
+
+namespace tvc::ui {
+
+namespace {
+
+constexpr int kColdStartFlag = 0x0B22; // the system ROM looks here to choose a cold start
+
+bool MenuState::*MenuField(const std::string& name) {
+    for (const MenuItem& item : kMenuItems)
+        if (name == item.name) return item.field;
+    return nullptr;
+}
+
+const char* kChangeLog =
+    "TVC emulator\n\n"
+    "An emulator of the Videoton TV Computer (32K, 64K, 64K+).\n"
+    "F1: reset, F2: cold reset. The keyboard follows the Hungarian layout\n"
+    "by key position: the key left of 1 is 0, Z and Y are swapped.\n";
+
+} // namespace
+
+TScreen::TScreen(Machine& m) : m_(m) {
+    setObjectName("TScreen");
+    setWindowTitle("LUMEKTVC");
+    BuildMenu();
+    BuildPanels();
+    tools = new TTools(*this);
+    fullScreen = new FScreen(*this);
+    // The picture area is 648 x 640; menu and status panel come on top of that.
+    resize(kWindowWidth, kWindowHeight + menuBar()->sizeHint().height() + Frame3->sizeHint().height());
+    PicD->setFocus();
+}
+
+TScreen::~TScreen() = default;
+
+QAction* TScreen::Item(const std::string& name) const {
+    auto it = items_.find(name);
+    return it == items_.end() ? nullptr : it->second;
+}
+
+void TScreen::BuildMenu() {
+    std::map<std::string, QMenu*> groups;
+    for (const MenuGroup& g : kMenuGroups) {
+        QMenu* menu = menuBar()->addMenu(QString::fromUtf8(g.caption));
+        menu->setObjectName(g.name);
+        groups[g.name] = menu;
+    }
+    for (const MenuEntry& e : kMenuEntries) {
+        QAction* a;
+        if (!e.caption) {
+            a = groups[e.group]->addSeparator();
+        } else if (*e.group == 0) {
+            a = menuBar()->addAction(QString::fromUtf8(e.caption));
+        } else {
+            a = groups[e.group]->addAction(QString::fromUtf8(e.caption));
+        }
+        a->setObjectName(e.name);
+        a->setEnabled(!e.greyed);
+        if (e.checkable) {
+            a->setCheckable(true);
+            if (auto field = MenuField(e.name)) a->setChecked(m_.menu.*field);
+        }
+        const std::string name = e.name;
+        if (e.caption) connect(a, &QAction::triggered, this, [this, name] { Handle(name); });
+        items_[name] = a;
+    }
+}
+
+void TScreen::BuildPanels() {
+    auto* central = new QWidget(this);
+    auto* layout = new QVBoxLayout(central);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    PicD = new ScreenView(m_, central);
+    PicD->setMinimumSize(kWindowWidth, kWindowHeight);
+    layout->addWidget(PicD, 1);
+    connect(PicD, &ScreenView::KeyDown, this, &TScreen::PicdKeyDown);
+    connect(PicD, &ScreenView::KeyUp, this, &TScreen::PicdKeyUp);
+
+    // Status panel: host time of the last frame, its bar, the message label
+    // and the log of ports without a device.
+    Frame3 = new QFrame(central);
+    Frame3->setObjectName("Frame3");
+    auto* status = new QHBoxLayout(Frame3);
+    status->setContentsMargins(4, 2, 4, 2);
+    Text1 = new QLineEdit(Frame3);
+    Text1->setObjectName("Text1");
+    Text1->setReadOnly(true);
+    Text1->setFixedWidth(60);
+    Text1->setToolTip("Host time of the last frame, in 10 µs units");
+    auto* bar = new QFrame(Frame3);
+    bar->setFixedSize(202, 12);
+    bar->setFrameShape(QFrame::Box);
+    Shape4 = new QFrame(bar);
+    Shape4->setObjectName("Shape4");
+    Shape4->setStyleSheet("background: #3070c0;");
+    Shape4->setGeometry(1, 1, 0, 10);
+    Label1 = new QLabel(Frame3);
+    Label1->setObjectName("Label1");
+    Label1->setMinimumWidth(120);
+    List1 = new QListWidget(Frame3);
+    List1->setObjectName("List1");
+    List1->setFixedHeight(48);
+    List1->setFocusPolicy(Qt::NoFocus);
+    status->addWidget(Text1);
+    status->addWidget(bar);
+    status->addWidget(Label1, 1);
+    status->addWidget(List1, 1);
+    layout->addWidget(Frame3);
+    setCentralWidget(central);
+
+    // The file dialog, floating over the picture.
+    Frame1 = new QGroupBox("Open", PicD);
+    Frame1->setObjectName("Frame1");
+    Frame1->setAutoFillBackground(true);
+    Frame1->installEventFilter(this);
+    auto* fl = new QVBoxLayout(Frame1);
+    File1 = new QListWidget(Frame1);
+    File1->setObjectName("File1");
+    Text3 = new QLineEdit(Frame1);
+    Text3->setObjectName("Text3");
+    Text5 = new QLineEdit(Frame1);
+    Text5->setObjectName("Text5");
+    Text5->setReadOnly(true);
+    Frame4 = new QGroupBox("location", Frame1);
+    Frame4->setObjectName("Frame4");
+    auto* loc = new QHBoxLayout(Frame4);
+    Text6 = new QLineEdit(Frame4);
+    Text7 = new QLineEdit(Frame4);
+    Text8 = new QLineEdit(Frame4);
+    Text6->setObjectName("Text6");
+    Text7->setObjectName("Text7");
+    Text8->setObjectName("Text8");
+    loc->addWidget(Text6);
+    loc->addWidget(Text7);
+    loc->addWidget(Text8);
+    Command2 = new QPushButton("OPEN", Frame1);
+    Command2->setObjectName("Command2");
+    fl->addWidget(File1);
+    fl->addWidget(Text3);
+    fl->addWidget(Text5);
+    fl->addWidget(Frame4);
+    fl->addWidget(Command2);
+    Frame1->setGeometry(40, 40, 280, 360);
+    Frame1->hide();
+    File1->setCurrentRow(-1);
+    Text5->setText("*.cas");
+    connect(File1, &QListWidget::itemClicked, this, [this](QListWidgetItem* item) {
+        Text3->setText(item->text().left(std::max<qsizetype>(0, item->text().size() - 4)));
+    });
+    connect(File1, &QListWidget::itemDoubleClicked, this, [this](QListWidgetItem* item) {
+        Text3->setText(item->text().left(std::max<qsizetype>(0, item->text().size() - 4)));
+        Command2Click();
+    });
+    connect(Command2, &QPushButton::clicked, this, &TScreen::Command2Click);
+
+    // The about panel.
+    Frame2 = new QGroupBox("About", PicD);
+    Frame2->setObjectName("Frame2");
+    Frame2->setAutoFillBackground(true);
+    Frame2->installEventFilter(this);
+    auto* al = new QVBoxLayout(Frame2);
+    Text4 = new QPlainTextEdit(Frame2);
+    Text4->setObjectName("Text4");
+    Text4->setReadOnly(true);
+    Text4->setPlainText(kChangeLog);
+    Label7 = new QLabel("README.md in the source tree", Frame2);
+    Label7->setObjectName("Label7");
+    Command1 = new QPushButton("OK", Frame2);
+    Command1->setObjectName("Command1");
+    al->addWidget(Text4);
+    al->addWidget(Label7);
+    al->addWidget(Command1);
+    Frame2->setGeometry(120, 100, 400, 300);
+    Frame2->hide();
+    connect(Command1, &QPushButton::clicked, Frame2, &QWidget::hide);
+}
+
+bool TScreen::eventFilter(QObject* obj, QEvent* e) {
+    if (obj == Frame1 && e->type() == QEvent::MouseButtonPress) {
+        Frame1->hide();
+        return true;
+    }
+    if (obj == Frame2 && (e->type() == QEvent::Enter || e->type() == QEvent::Leave))
+        Label7->setStyleSheet(e->type() == QEvent::Enter ? "color: #ffff00;" : "");
+    return QMainWindow::eventFilter(obj, e);
+}
+
+bool TScreen::Tick(const std::string& name) const {
+    QAction* a = Item(name);
+    return a && a->isChecked();
+}
+
+void TScreen::SetTick(const std::string& name, bool on) {
+    if (QAction* a = Item(name)) a->setChecked(on);
+    if (auto field = MenuField(name)) m_.menu.*field = on;
+}
+
+void TScreen::FocusPicture() {
+    if (PicD) PicD->setFocus();
+}
+
+void TScreen::Click(const std::string& name) {
+    if (QAction* a = Item(name); a && a->isEnabled()) a->trigger();
+}
+
+void TScreen::Handle(const std::string& name) {
+    // Qt flips a checkable entry before its handler runs; the handlers below
+    // decide the tick themselves from the state the machine holds.
+    if (auto field = MenuField(name)) Item(name)->setChecked(m_.menu.*field);
+
+    if (name == "xLoadCAS") return OpenDialog(false, "*.cas");
+    if (name == "xSaveCAS") return OpenDialog(true, "*.cas");
+    if (name == "xLoadSnap") return OpenDialog(false, "*.tvs");
+    if (name == "xSaveSnap") return OpenDialog(true, "*.tvs");
+    if (name == "xLoadCRT") return OpenDialog(false, "*.crt");
+    if (name == "xUnloadCRT") {
+        m_.bus.SetCartName("");
+        Item("xUnloadCRT")->setText("Unload");
+        Frame1->hide();
+        PowerCycle();
+        return FocusPicture();
+    }
+    if (name == "xio0" || name == "xio1" || name == "xio2" || name == "xio3") return ToggleCard(name);
+    if (name == "xReset") {
+        m_.cpu.ResetRequest = 1;
+        return;
+    }
+    if (name == "xReset2") {
+        m_.bus.Mem[kColdStartFlag] = 255;
+        m_.cpu.ResetRequest = 1;
+        return;
+    }
+    if (name == "xFullsc") {
+        fullScreen->Enter();
+        return;
+    }
+    if (name == "xScreenBW" || name == "xScreenDIB" || name == "xScreenNoise") {
+        SetTick(name, !Tick(name));
+        return FocusPicture();
+    }
+    if (name == "xSound" || name == "xNoError" || name == "xS6") return SetTick(name, !Tick(name));
+    if (name == "xUnDoc") {
+        SetTick(name, !Tick(name));
+        m_.cpu.UndocEnabled = Tick(name) ? 1 : 0;
+        return FocusPicture();
+    }
+    if (name == "x32KB" || name == "xBasic") {
+        SetTick(name, !Tick(name));
+        PowerCycle();
+        return FocusPicture();
+    }
+    if (name.size() == 3 && name[0] == 'x' && name[1] == 'S' && name[2] >= '1' && name[2] <= '4')
+        return SpeedItem(name[2] - '0');
+    if (name == "xTools") {
+        tools->show();
+        tools->raise();
+        return;
+    }
+    if (name == "xHelp") {
+        Frame2->raise();
+        Frame2->setVisible(!Frame2->isVisible());
+        return;
+    }
+    // Windows of later subsystems (monitors, panels, workbench, tape,
+    // printer, serial, error simulator) and the screen dumps: not here yet.
+}
+
+void TScreen::PowerCycle() {
+    m_.cpu.Z80Init();
+    MachineInit(m_);
+    if (!m_.FatalStop) MachineReset(m_);
+}
+
+void TScreen::ToggleCard(const std::string& name) {
+    SetTick(name, !Tick(name));
+    m_.bus.Mem[kColdStartFlag] = 255;
+    PowerCycle();
+    FocusPicture();
+}
+
+void TScreen::SpeedItem(int n) {
+    if (n == 1) {
+        if (Tick("xS1")) {
+            SetTick("xS1", false);
+            if (!quit_) {
+                m_.run.RunFlag = 1;
+                RunLoop(m_);
+            }
+        } else {
+            SetTick("xS1", true);
+            m_.run.RunFlag = 0;
+        }
+        SetTick("xS2", false);
+        SetTick("xS3", true);
+        SetTick("xS4", false);
+    } else {
+        SetTick("xS" + std::to_string(n), !Tick("xS" + std::to_string(n)));
+        for (int other = 1; other <= 4; ++other)
+            if (other != n) SetTick("xS" + std::to_string(other), false);
+        if (n == 3) m_.forms.CPUmon.HScroll1 = 2;
+        if (n == 4) m_.forms.CPUmon.HScroll1 = 4;
+    }
+    FocusPicture();
+}
+
+void TScreen::OpenDialog(bool save, const QString& pattern) {
+    Text5->setText(pattern);
+    Text3->clear();
+    File1->clear();
+    File1->addItems(QDir::current().entryList({pattern}, QDir::Files, QDir::Name));
+    File1->setCurrentRow(-1);
+    Frame1->move(40, 40);
+    Frame1->setTitle(save ? "Save" : "Open");
+    Frame1->setStyleSheet(save ? "QGroupBox#Frame1 { background: #ff0000; }"
+                               : "QGroupBox#Frame1 { background: #00ff00; }");
+    Frame4->setVisible(save && pattern == "*.cas");
+    Frame1->show();
+    Frame1->raise();
+}
+
+void TScreen::Command2Click() {
+    const QString pattern = Text5->text();
+    QListWidgetItem* selected = File1->currentItem();
+    const std::string file = selected ? selected->text().toStdString() : std::string();
+    if (Frame1->title() == "Open") {
+        if (pattern == "*.cas") LoadCAS(m_, file);
+        if (pattern == "*.tvs") LoadSnapShot(m_, file);
+        if (pattern == "*.crt") LoadCRT(m_, file);
+    } else if (Frame1->title() == "Save") {
+        if (pattern == "*.cas") SaveCAS(m_, Text3->text().toStdString());
+        if (pattern == "*.tvs") SaveSnapshot(m_, Text3->text().toStdString());
+    }
+    Frame1->hide();
+    FocusPicture();
+}
+
+void TScreen::PicdKeyDown(int keycode, int shift) {
+    switch (tvc::PicdKeyDown(m_, keycode, shift)) {
+    case KeyCommand::Reset: Handle("xReset"); break;
+    case KeyCommand::Reset2: Handle("xReset2"); break;
+    case KeyCommand::None: break;
+    }
+    tools->ShowKeyCode(m_.forms.TTools.Label2);
+}
+
+void TScreen::PicdKeyUp(int keycode, int shift) { tvc::PicdKeyUp(m_, keycode, shift); }
+
+void TScreen::Command1Click() {
+    m_.forms.CPUmon.Command6Color = -1;
+    m_.run.RunFlag = 1;
+    m_.cpu.TStates = 0;
+    m_.run.TotalT = 0;
+    if (!quit_) RunLoop(m_);
+}
+
+void TScreen::SetStatus(StatusField field, const QString& text) {
+    if (field == StatusField::Label1) Label1->setText(text);
+    if (field == StatusField::Text1) Text1->setText(text);
+}
+
+void TScreen::SetLoadBar(int width) { Shape4->resize(std::clamp(width, 0, 200), Shape4->height()); }
+
+void TScreen::RefreshPortLog() {
+    const auto& log = m_.forms.TScreen.List1;
+    if (log.size() < static_cast<size_t>(List1->count())) List1->clear();
+    for (size_t i = static_cast<size_t>(List1->count()); i < log.size(); ++i)
+        List1->addItem(QString::fromStdString(log[i]));
+    List1->scrollToBottom();
+}
+
+void TScreen::PictureReady() {
+    PicD->UpdatePicture();
+    fullScreen->PictureReady();
+}
+
+// Form_Unload: the run loop ends at its next test and the process with it.
+void TScreen::closeEvent(QCloseEvent* e) {
+    quit_ = true;
+    m_.run.RunFlag = 0;
+    fullScreen->hide();
+    tools->hide();
+    e->accept();
+    QCoreApplication::quit();
+}
+
+} // namespace tvc::ui

@@ -2,7 +2,11 @@
 // and serves the window system at its two yield points each frame.
 #include <QApplication>
 #include <QMessageBox>
+#include <QSocketNotifier>
+#include <csignal>
 #include <memory>
+#include <sys/socket.h>
+#include <unistd.h>
 
 #include "app/SingleInstance.h"
 #include "core/Machine.h"
@@ -10,6 +14,35 @@
 #include "sound/SoundFX.h"
 #include "ui/main/QtHost.h"
 #include "ui/main/TScreen.h"
+
+namespace {
+
+// SIGTERM and SIGINT close the main window like its close button, at the
+// next yield point: the handler only writes a byte the event loop reads.
+int signalPipe[2] = {-1, -1};
+
+void OnSignal(int) {
+    const char byte = 1;
+    [[maybe_unused]] ssize_t n = ::write(signalPipe[1], &byte, 1);
+}
+
+void CloseOnSignals(QWidget& window) {
+    if (::socketpair(AF_UNIX, SOCK_STREAM, 0, signalPipe) != 0) return;
+    auto* notifier = new QSocketNotifier(signalPipe[0], QSocketNotifier::Read, &window);
+    QObject::connect(notifier, &QSocketNotifier::activated, &window, [&window] {
+        char byte;
+        [[maybe_unused]] ssize_t n = ::read(signalPipe[0], &byte, 1);
+        window.close();
+    });
+    struct sigaction sa = {};
+    sa.sa_handler = OnSignal;
+    sigemptyset(&sa.sa_mask);
+    sa.sa_flags = SA_RESTART;
+    sigaction(SIGTERM, &sa, nullptr);
+    sigaction(SIGINT, &sa, nullptr);
+}
+
+} // namespace
 
 int main(int argc, char** argv) {
     QApplication app(argc, argv);
@@ -25,6 +58,7 @@ int main(int argc, char** argv) {
     auto machine = std::make_unique<tvc::Machine>(host);
     tvc::ui::TScreen window(*machine);
     host.SetWindow(&window);
+    CloseOnSignals(window);
     window.show();
 
     tvc::MachineInit(*machine);

@@ -1,0 +1,12 @@
+# Each *_uitest.cpp is one QtTest program, run under the offscreen platform.
+find_package(Qt6 REQUIRED COMPONENTS Test Widgets)
+file(GLOB TVC_UI_TESTS CONFIGURE_DEPENDS ${CMAKE_CURRENT_LIST_DIR}/*_uitest.cpp)
+foreach(src ${TVC_UI_TESTS})
+    get_filename_component(name ${src} NAME_WE)
+    add_executable(${name} ${src})
+    set_target_properties(${name} PROPERTIES AUTOMOC ON)
+    target_link_libraries(${name} PRIVATE tvcui tvc_test_support Qt6::Test)
+    target_compile_definitions(${name} PRIVATE TVC_APP_BIN="$<TARGET_FILE:tvc>")
+    add_test(NAME ${name} COMMAND ${name})
+    set_tests_properties(${name} PROPERTIES ENVIRONMENT "QT_QPA_PLATFORM=offscreen" LABELS ui TIMEOUT 120)
+endforeach()

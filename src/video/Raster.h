@@ -5,6 +5,7 @@
 #pragma once
 
 #include <algorithm>
+#include <bit>
 #include <cstdint>
 #include <cstring>
 #include <vector>
@@ -13,6 +14,9 @@
 #include "core/Numbers.h"
 
 namespace tvc::raster {
+
+// Pixels are stored as whole 32-bit words, blue in the lowest byte.
+static_assert(std::endian::native == std::endian::little, "pixel stores assume little endian");
 
 constexpr int64_t kVideoPageSize = 16384;
 constexpr int32_t kDibLineCopy = 1536;   // the second line of a DIB row, for 512 pixels
@@ -79,12 +83,25 @@ inline uint32_t FourColourBitmap(uint32_t c) {
 // intensity 8). Intensity only brightens a colour, so alone it is black.
 // QBColor's red and green bytes are exchanged on writing, so that the
 // machine's red bit (QBColor's green entry) comes out red.
-inline uint32_t SixteenColour(uint32_t bits) {
+constexpr uint32_t SixteenColour(uint32_t bits) {
     uint32_t index = bits & 7;
     if (index != 0 && (bits & 8)) index += 8;
     const uint32_t qb = QBColorTable[index];
     return Bgr(qb >> 16 & 0xFF, qb & 0xFF, qb >> 8 & 0xFF);
 }
+
+// The colours of both pixels of every sixteen-colour byte: the left one
+// from bits 1, 3, 5, 7, the right one from bits 0, 2, 4, 6.
+struct SixteenColourTable {
+    uint32_t left[256], right[256];
+    constexpr SixteenColourTable() : left(), right() {
+        for (uint32_t b = 0; b < 256; ++b) {
+            left[b] = SixteenColour((b >> 1 & 1) | (b >> 2 & 2) | (b >> 3 & 4) | (b >> 4 & 8));
+            right[b] = SixteenColour((b & 1) | (b >> 1 & 2) | (b >> 2 & 4) | (b >> 3 & 8));
+        }
+    }
+};
+inline constexpr SixteenColourTable kSixteenColours;
 
 // Writes pixels of Bpp bytes from the start of a buffer on. Whatever would
 // land past the end is dropped: odd picture sizes make the rows overrun.
@@ -95,10 +112,12 @@ template <int Bpp> class PixelSink {
     size_t pos() const { return pos_; }
 
     void Put8(const uint32_t* px) {
-        if (pos_ + 8 * Bpp <= size_) {
+        if (pos_ + 8 * Bpp + 1 <= size_) {
+            // Whole 4-byte stores: a 3-byte pixel's spare byte is overwritten
+            // by the next pixel, and the last one's still lies in the buffer.
             uint8_t* out = buf_ + pos_;
             for (int i = 0; i < 8; ++i, out += Bpp)
-                Store(out, px[i]);
+                std::memcpy(out, &px[i], 4);
         } else {
             for (int i = 0; i < 8; ++i)
                 if (pos_ + (i + 1) * Bpp <= size_) Store(buf_ + pos_ + i * Bpp, px[i]);
@@ -174,9 +193,7 @@ template <uint32_t (*Colour)(uint32_t)> struct FourColourDecoder {
 struct SixteenColourDecoder {
     void Row(int32_t) {}
     void Byte(uint32_t b, uint32_t* px) {
-        const uint32_t left =
-            SixteenColour((b >> 1 & 1) | (b >> 2 & 2) | (b >> 3 & 4) | (b >> 4 & 8));
-        const uint32_t right = SixteenColour((b & 1) | (b >> 1 & 2) | (b >> 2 & 4) | (b >> 3 & 8));
+        const uint32_t left = kSixteenColours.left[b], right = kSixteenColours.right[b];
         for (int i = 0; i < 4; ++i)
             px[i] = left, px[4 + i] = right;
     }

@@ -58,6 +58,10 @@ inline uint8_t PaletteAt(const Machine& m, int k, int32_t row) {
     return row < kPalLines ? m.crtc.PalLine[k][row] : m.bus.PortLatch[0x60 + k];
 }
 
+// Palette bytes (blue bit 0, red bit 2, green bit 4, intensity bit 6) to
+// colours. Two colours come out at their own levels (blue 127/254, red
+// 124/248, green 112/224) and four colours at 127/254 in every channel; the
+// two families reach the same four-colour levels by different products.
 inline uint32_t TwoColour(uint32_t c) {
     const uint32_t i = (c & 0x40) ? 2 : 1;
     return Bgr((c & 1) * 127 * i, (c & 16) * 7 * i, (c & 4) * 31 * i);

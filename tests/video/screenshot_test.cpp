@@ -1,6 +1,7 @@
 // End to end: tvc-headless runs a small program that sets up the CRTC and
 // fills video memory with a pattern, and its screenshot shows that pattern.
 #include <png.h>
+#include <sys/wait.h>
 
 #include <gtest/gtest.h>
 

@@ -8,6 +8,7 @@
 #include "core/Controls.h"
 #include "core/Host.h"
 #include "core/MenuState.h"
+#include "core/Rnd.h"
 #include "core/RunState.h"
 #include "hw/Bus.h"
 #include "links/Printer.h"
@@ -23,6 +24,7 @@
 #include "sound/Ym3812.h"
 #include "video/Crtc.h"
 #include "video/LightPen.h"
+#include "video/Screen.h"
 #include "z80/Z80.h"
 
 namespace tvc {
@@ -39,6 +41,7 @@ public:
     Bus bus;
     RunState run;
     Crtc crtc;
+    Screen screen;
     SoundFX sound;
     Saa1099 saa;
     Sn76489 sn;
@@ -53,6 +56,7 @@ public:
     LightPen lpen;
     MenuState menu;
     Controls forms;
+    Rnd rnd;
     Host* host;
 
     // Set once a fatal stop has been reported; the machine does not run again.

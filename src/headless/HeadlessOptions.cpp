@@ -29,6 +29,9 @@ Output, after the run:
   --dump-regs FILE|-     the processor state and clocks as a JSON object
   --dump-mem ADDR:LEN:FILE
                          LEN bytes from ADDR, read through the memory map
+  --screenshot FILE.png  the main window's picture as last painted: the
+                         border with the TVC picture at its place, 640 x 576
+                         pixels (pictures are painted at two frame ends in five)
   --help                 this text
 
 Numbers are decimal or 0x hexadecimal.
@@ -80,7 +83,7 @@ std::optional<int32_t> InRange(const std::string& text, int64_t lo, int64_t hi) 
 
 constexpr std::string_view kValueOptions[] = {
     "--dir",   "--set",   "--port",   "--reg",       "--load-bin",
-    "--poke",  "--steps", "--frames", "--dump-regs", "--dump-mem",
+    "--poke",  "--steps", "--frames", "--dump-regs", "--dump-mem", "--screenshot",
 };
 
 bool KnownMenuItem(const std::string& name) {
@@ -147,6 +150,9 @@ std::optional<Options> ParseOptions(const std::vector<std::string>& args, std::s
             (name == "--steps" ? o.steps : o.frames) = *v;
         } else if (name == "--dump-regs") {
             o.dumpRegs = value;
+        } else if (name == "--screenshot") {
+            if (value.empty()) return fail("--screenshot takes a file name");
+            o.screenshot = value;
         } else if (name == "--dump-mem") {
             const size_t c1 = value.find(':');
             const size_t c2 = c1 == std::string::npos ? c1 : value.find(':', c1 + 1);

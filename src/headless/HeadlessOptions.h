@@ -26,6 +26,7 @@ struct Options {
     std::optional<int64_t> frames;
     std::optional<std::string> dumpRegs;
     std::vector<MemDump> dumpMems;
+    std::optional<std::string> screenshot; // PNG of the window's picture
     bool help = false;
 };
 

@@ -14,6 +14,7 @@
 #include "core/StateFields.h"
 #include "headless/HeadlessHost.h"
 #include "headless/HeadlessOptions.h"
+#include "headless/PngWriter.h"
 #include "hw/MachineSetup.h"
 #include "hw/Memory.h"
 
@@ -137,6 +138,13 @@ int Main(const std::vector<std::string>& args) {
         for (int32_t i = 0; i < d.length; ++i) bytes[i] = static_cast<char>(MemRead(m, d.address + i));
         if (!WriteOut(d.file, bytes)) {
             std::cerr << "tvc-headless: cannot write " << d.file << '\n';
+            return kExitIo;
+        }
+    }
+    if (o.screenshot) {
+        std::string why;
+        if (!WritePng(*o.screenshot, ComposeFrame(m), why)) {
+            std::cerr << "tvc-headless: cannot write " << *o.screenshot << ": " << why << '\n';
             return kExitIo;
         }
     }

@@ -18,6 +18,7 @@
 #include "ui/main/ScreenView.h"
 #include "ui/main/TScreen.h"
 #include "ui/main/TTools.h"
+#include "video/Screen.h"
 
 using namespace tvc;
 using namespace tvc::ui;
@@ -204,11 +205,12 @@ void TScreenTest::lightPenFollowsTheMouseOverThePicture() {
     Fixture f;
     int32_t* r = f.m->crtc.CrtcReg;
     r[1] = 64, r[2] = 75, r[5] = 2, r[6] = 60, r[7] = 67; // PicD at (64, 40)
+    ScreenRedraw(*f.m);
     const QRect picd = PicDRect(*f.m);
     QCOMPARE(picd.topLeft(), QPoint(64, 40));
     // The picture point (64 + 17, 40 + 45) is x 17, y 45 in PicD: row 2, byte 2.
     const QRectF target = f.w->PicD->TargetRect();
-    const double sx = target.width() / kWindowWidth, sy = target.height() / kWindowHeight;
+    const double sx = target.width() / tvc::kWindowWidth, sy = target.height() / tvc::kWindowHeight;
     QTest::mouseMove(f.w->PicD, QPoint(int(target.left() + (81.5) * sx), int(target.top() + 85.5 * sy)));
     QTest::qWait(20);
     LPENRefresh(*f.m);

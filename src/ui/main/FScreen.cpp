@@ -30,7 +30,10 @@ protected:
     void paintEvent(QPaintEvent*) override {
         QPainter p(this);
         p.setRenderHint(QPainter::SmoothPixmapTransform, false);
-        p.drawImage(rect(), screen_.PicD->Picture());
+        // Only the picture box, stretched: the border stays behind in the main window.
+        const QRect picd = PicDRect(screen_.machine());
+        if (!picd.isEmpty()) p.drawImage(rect(), screen_.PicD->Picture(), picd);
+        else p.fillRect(rect(), Qt::black);
     }
 
 private:
@@ -81,7 +84,7 @@ void FScreen::Leave() {
 
 void FScreen::Tick() {
     if (QScreen* s = screen()) resize(s->size());
-    pic_->setGeometry(FullScreenPictureRect(size(), screen_.PicD->Picture().size()));
+    pic_->setGeometry(FullScreenPictureRect(size(), QSize(kMainWindowWidth, kMainWindowHeight)));
     pic_->update();
 }
 
@@ -100,12 +103,10 @@ void FScreen::keyReleaseEvent(QKeyEvent* e) {
 bool FScreen::eventFilter(QObject* obj, QEvent* e) {
     if (obj == pic_ && e->type() == QEvent::MouseMove && pic_->width() > 0 && pic_->height() > 0) {
         const auto* me = static_cast<QMouseEvent*>(e);
-        const QSize picture = screen_.PicD->Picture().size();
-        const double x = me->position().x() * picture.width() / pic_->width();
-        const double y = me->position().y() * picture.height() / pic_->height();
         const QRect picd = PicDRect(screen_.machine());
-        if (picd.contains(QPoint(int(x), int(y))))
-            PicdMouseMove(screen_.machine(), x - picd.left(), y - picd.top());
+        const double x = me->position().x() * picd.width() / pic_->width();
+        const double y = me->position().y() * picd.height() / pic_->height();
+        PicdMouseMove(screen_.machine(), x, y);
     }
     return QWidget::eventFilter(obj, e);
 }

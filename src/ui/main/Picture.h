@@ -1,5 +1,5 @@
-// The machine's picture as the main window shows it: the whole window
-// content (border behind, the TVC picture placed where the CRTC puts it).
+// The machine's picture as the main window shows it: the whole drawing area
+// (border behind, the TVC picture placed where the CRTC puts it).
 #pragma once
 
 #include <QImage>
@@ -11,13 +11,14 @@ class Machine;
 
 namespace tvc::ui {
 
-// Size of the window content in the machine's own pixels.
-constexpr int kWindowWidth = 648;
-constexpr int kWindowHeight = 640;
+// The main window's size as the machine's software knows it; the full-screen
+// view keeps its proportions.
+constexpr int kMainWindowWidth = 648;
+constexpr int kMainWindowHeight = 640;
 
-QImage ComposedPicture(Machine& m);
+QImage ComposedPicture(const Machine& m);
 
-// Where the picture box PicD stands inside the window content.
+// Where the picture box PicD stands inside the drawing area.
 QRect PicDRect(const Machine& m);
 
 } // namespace tvc::ui

@@ -9,6 +9,7 @@
 #include "ui/main/KeyMap.h"
 #include "ui/main/Picture.h"
 #include "video/LightPen.h"
+#include "video/Screen.h"
 
 namespace tvc::ui {
 
@@ -17,7 +18,6 @@ ScreenView::ScreenView(Machine& m, QWidget* parent) : QWidget(parent), m_(m) {
     setFocusPolicy(Qt::StrongFocus);
     setMouseTracking(true);
     setAttribute(Qt::WA_OpaquePaintEvent);
-    setMinimumSize(kWindowWidth / 2, kWindowHeight / 2);
     picture_ = ComposedPicture(m_);
 }
 

@@ -24,6 +24,7 @@
 #include "ui/main/Picture.h"
 #include "ui/main/ScreenView.h"
 #include "ui/main/TTools.h"
+#include "video/Screen.h"
 
 namespace tvc::ui {
 
@@ -52,8 +53,9 @@ TScreen::TScreen(Machine& m) : m_(m) {
     BuildPanels();
     tools = new TTools(*this);
     fullScreen = new FScreen(*this);
-    // The picture area is 648 x 640; menu and status panel come on top of that.
-    resize(kWindowWidth, kWindowHeight + menuBar()->sizeHint().height() + Frame3->sizeHint().height());
+    // The drawing area keeps its size in pixels; menu and status panel come on top.
+    resize(tvc::kWindowWidth, tvc::kWindowHeight + menuBar()->sizeHint().height() +
+                                  Frame3->sizeHint().height());
     PicD->setFocus();
 }
 
@@ -98,7 +100,7 @@ void TScreen::BuildPanels() {
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
     PicD = new ScreenView(m_, central);
-    PicD->setMinimumSize(kWindowWidth, kWindowHeight);
+    PicD->setMinimumSize(tvc::kWindowWidth, tvc::kWindowHeight);
     layout->addWidget(PicD, 1);
     connect(PicD, &ScreenView::KeyDown, this, &TScreen::PicdKeyDown);
     connect(PicD, &ScreenView::KeyUp, this, &TScreen::PicdKeyUp);
@@ -288,8 +290,16 @@ void TScreen::Handle(const std::string& name) {
         Frame2->setVisible(!Frame2->isVisible());
         return;
     }
+    if (name == "xSaveScrren") {
+        if (!xSaveScrren(m_)) ReportFileError(m_, "screen.bin");
+        return;
+    }
+    if (name == "xMemDump") {
+        if (!xMemDump(m_)) ReportFileError(m_, "ramdump.bin");
+        return;
+    }
     // Windows of later subsystems (monitors, panels, workbench, tape,
-    // printer, serial, error simulator) and the screen dumps: not here yet.
+    // printer, serial, error simulator): not here yet.
 }
 
 void TScreen::PowerCycle() {

@@ -1,0 +1,247 @@
+// redraw around the renderers: placing PicD, the monitor's "Screen" and
+// "Border" boxes, the memory error hooks, the run loop's picture cadence,
+// the composed window picture, the raw dumps and hostile register values.
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <iterator>
+
+#include "core/RunLoop.h"
+#include "hw/Ports.h"
+#include "support/TestMachine.h"
+#include "video/Screen.h"
+#include "video/VideoTestSupport.h"
+
+namespace tvc {
+namespace {
+
+using test::Rgb;
+using test::SetPicture;
+using test::VideoRam;
+
+void SetGeometry(Machine& m, int r1, int r2, int r5, int r6, int r7) {
+    int32_t* reg = m.crtc.CrtcReg;
+    reg[1] = r1, reg[2] = r2, reg[5] = r5, reg[6] = r6, reg[7] = r7;
+}
+
+Rgb WindowPixel(const RgbImage& img, int x, int y) {
+    const size_t o = (static_cast<size_t>(y) * img.width + x) * 3;
+    return {img.rgb.at(o), img.rgb.at(o + 1), img.rgb.at(o + 2)};
+}
+
+TEST(Redraw, PlacesThePictureBoxFromTheCrtc) {
+    const struct {
+        int r1, r2, r5, r6, r7;
+        PictureBox box;
+    } cases[] = {
+        {64, 75, 2, 60, 70, {64, 16, 512, 480}},
+        {80, 83, 0, 25, 0, {0, 572, 640, 200}},
+        {0, 0, 31, 0, 127, {664, -382, 0, 0}},
+    };
+    for (const auto& c : cases) {
+        test::TestMachine t;
+        SetGeometry(t.m(), c.r1, c.r2, c.r5, c.r6, c.r7);
+        ScreenRedraw(t.m());
+        const PictureBox& p = t.m().screen.PicD;
+        EXPECT_EQ(p.Left, c.box.Left);
+        EXPECT_EQ(p.Top, c.box.Top);
+        EXPECT_EQ(p.Width, c.box.Width);
+        EXPECT_EQ(p.Height, c.box.Height);
+        EXPECT_EQ(t.host.pictures, 1);
+    }
+}
+
+TEST(Redraw, ScreenBoxClearKeepsTheLastPicture) {
+    test::TestMachine t;
+    Machine& m = t.m();
+    SetPicture(m, 2, 64, 1, true);
+    VideoRam(m, 0) = 0x20;
+    ScreenRedraw(m);
+    m.forms.CPUmon.Check5 = false;
+    VideoRam(m, 0) = 0x08;
+    m.forms.ErrorSim.Check2 = true; // no damage without a picture either
+    m.bus.Mem[0] = 0x12;
+    m.run.FrameT = 10 * 245;
+    int32_t v = 0x44;
+    PortOut(m, 0x60, v);
+    ScreenRedraw(m);
+    EXPECT_EQ(test::PicturePixel(m, true, 0, 0), test::SixteenColourRgb(4));
+    EXPECT_EQ(m.crtc.PalLine[0][200], 0) << "the palette table is not closed";
+    EXPECT_EQ(m.bus.Mem[0], 0x12);
+    EXPECT_EQ(t.host.pictures, 2);
+}
+
+TEST(Redraw, BorderIsPaintedAndCarriedIntoTheNextFrame) {
+    for (bool borderBox : {true, false}) {
+        test::TestMachine t;
+        Machine& m = t.m();
+        m.forms.CPUmon.Check6 = borderBox;
+        int32_t red = 0x08, green = 0x20;
+        PortOut(m, 0x00, red);
+        m.run.FrameT = 50 * 218;
+        PortOut(m, 0x00, green);
+        ScreenRedraw(m);
+        const uint32_t* shown = m.screen.BorderShown;
+        EXPECT_EQ(shown[49], borderBox ? 0x000080u : 0u);
+        EXPECT_EQ(shown[50], borderBox ? 0x008000u : 0u);
+        // Painted: the next frame starts in the last colour of this one.
+        EXPECT_EQ(m.crtc.BorderLine[0], borderBox ? 0x008000u : 0x000080u);
+    }
+}
+
+TEST(Redraw, MemoryErrorHooks) {
+    const struct {
+        int option;
+        uint8_t bits, before, after;
+    } faults[] = {
+        {0, 0x81, 0xFF, 0x7E}, {1, 0x81, 0x00, 0x81},  {2, 0x00, 0x5A, 0x5A},
+        {0, 0x00, 0x5A, 0x5A}, {-1, 0x0F, 0x5A, 0x00},
+    };
+    for (const auto& f : faults) {
+        test::TestMachine t;
+        Machine& m = t.m();
+        m.bus.VideoErrorEnabled = 1;
+        m.forms.ErrorSim.Option1 = f.option;
+        m.forms.ErrorSim.ErrorBits = f.bits;
+        m.forms.ErrorSim.Check3 = true;
+        std::fill(m.bus.Mem.begin() + 0x10000, m.bus.Mem.begin() + 0x14000, f.before);
+        ScreenRedraw(m);
+        EXPECT_EQ(m.bus.Mem[0x10000], f.after) << f.option;
+        EXPECT_EQ(m.bus.Mem[0x13FAC], f.after) << f.option;
+        EXPECT_EQ(m.bus.Mem[0x13FAD], f.before) << "the last 83 bytes escape";
+        EXPECT_EQ(m.bus.Mem[0x4000], 0xAA);
+        EXPECT_EQ(m.bus.Mem[0x7FFF], 0xAA);
+        EXPECT_EQ(m.bus.Mem[0x3FFF], 0x00);
+        EXPECT_EQ(m.bus.Mem[0x8000], 0x00);
+    }
+}
+
+// Pictures come at the frame ends where one or three audio blocks stand:
+// two in five frames, each followed by PALchNull.
+TEST(Redraw, RunLoopPaintsTwoFramesInFive) {
+    test::TestMachine t;
+    Machine& m = t.m();
+    t.Load(0x0000, {0x18, 0xFE}); // JR $
+    int32_t v = 0x11;
+    std::vector<int> paintedAt;
+    while (m.run.FrameCount < 10) {
+        const int before = t.host.pictures;
+        const uint64_t frame = m.run.FrameCount;
+        if (m.run.FrameT < 100 * 245) PortOut(m, 0x60, v); // keeps PalLineLast moving
+        t.Step();
+        if (t.host.pictures != before) {
+            paintedAt.push_back(static_cast<int>(frame));
+            EXPECT_EQ(m.crtc.PalLineLast, 0);
+        }
+    }
+    EXPECT_EQ(paintedAt, (std::vector<int>{1, 3, 6, 8}));
+}
+
+TEST(ComposeFrame, BorderBehindThePictureBox) {
+    for (bool dib : {true, false}) {
+        test::TestMachine t;
+        Machine& m = t.m();
+        SetPicture(m, 2, 64, 60, dib);
+        SetGeometry(m, 64, 75, 2, 60, 70); // 512 x 480 at 64, 16
+        int32_t red = 0x08, blue = 0x02;
+        PortOut(m, 0x00, red);
+        m.run.FrameT = 250 * 218;
+        PortOut(m, 0x00, blue);
+        VideoRam(m, 0) = 0xFF;            // top left: white
+        VideoRam(m, 64 * 240 - 1) = 0x3F; // bottom right: light grey
+        ScreenRedraw(m);
+
+        const RgbImage img = ComposeFrame(m);
+        ASSERT_EQ(img.width, 640);
+        ASSERT_EQ(img.height, 576);
+        const Rgb upper{128, 0, 0}, lower{0, 0, 128}, white{255, 255, 255};
+        EXPECT_EQ(WindowPixel(img, 0, 0), upper);
+        EXPECT_EQ(WindowPixel(img, 63, 16), upper);
+        EXPECT_EQ(WindowPixel(img, 64, 15), upper);
+        EXPECT_EQ(WindowPixel(img, 64, 16), white);
+        EXPECT_EQ(WindowPixel(img, 71, 17), dib ? white : test::kBlack);
+        EXPECT_EQ(WindowPixel(img, 575, 494), (Rgb{192, 192, 192}));
+        EXPECT_EQ(WindowPixel(img, 576, 494), upper);
+        EXPECT_EQ(WindowPixel(img, 639, 499), upper);
+        EXPECT_EQ(WindowPixel(img, 639, 500), lower) << "border line 250 takes the new colour";
+        EXPECT_EQ(WindowPixel(img, 0, 575), lower);
+
+        // Moved to the bottom right, only the box's top left corner shows.
+        SetGeometry(m, 64, 20, 0, 60, 0); // Left 504, Top 572
+        ScreenRedraw(m);
+        const RgbImage moved = ComposeFrame(m);
+        EXPECT_EQ(WindowPixel(moved, 504, 572), white);
+        EXPECT_EQ(WindowPixel(moved, 503, 572), lower);
+    }
+}
+
+// Register values a program may write must give some picture, never a
+// fault: the sanitizer build checks the accesses.
+TEST(Redraw, HostileRegisterValuesGiveAPicture) {
+    const struct {
+        int r1, r2, r5, r6, r7, r12, r13;
+    } cases[] = {
+        {0, 0, 0, 0, 0, 0, 0},
+        {255, 0, 0, 127, 0, 63, 255},
+        {64, 75, 2, 0, 70, 0, 0},
+        {0, 75, 2, 60, 70, 0, 0},
+        {64, 255, 31, 127, 127, 63, 255},
+        {1, 83, 0, 1, 0, 63, 255},
+        {80, 0, 0, 127, 0, 63, 255},
+        {255, 255, 31, 127, 127, 255, 255},
+        {0x1FF, 0x1234, -5, 0x7FFFFFFF, -1, -100, 0x7FFFFFFF}, // set by a tool, not a port
+    };
+    for (const auto& c : cases)
+        for (int mode = 0; mode < 4; ++mode)
+            for (bool dib : {true, false})
+                for (int page : {0x00, 0x30}) {
+                    test::TestMachine t;
+                    Machine& m = t.m();
+                    SetPicture(m, mode, c.r1, c.r6, dib);
+                    SetGeometry(m, c.r1, c.r2, c.r5, c.r6, c.r7);
+                    m.crtc.CrtcReg[12] = c.r12;
+                    m.crtc.CrtcReg[13] = c.r13;
+                    m.bus.PortLatch[0x0F] = static_cast<uint8_t>(page);
+                    m.menu.xScreenNoise = true;
+                    ScreenRedraw(m);
+                    ScreenRedraw(m);
+                    const RgbImage img = ComposeFrame(m);
+                    ASSERT_EQ(img.rgb.size(), 640u * 576u * 3u);
+                }
+}
+
+std::vector<char> ReadAll(const std::string& name) {
+    std::ifstream in(name, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+}
+
+TEST(Dumps, SaveScreenTakesPageZeroAndMemoryDumpKeepsTheTail) {
+    test::TestMachine t;
+    Machine& m = t.m();
+    m.bus.PortLatch[0x0F] = 0x30; // page 3 shown; the dump still takes page 0
+    for (int i = 0; i < 16384; ++i)
+        VideoRam(m, i) = static_cast<uint8_t>(i * 7);
+    for (int i = 0; i < 65536; ++i)
+        m.bus.Mem[i] = static_cast<uint8_t>(i >> 8);
+    t.dir->Write("ramdump.bin", std::vector<uint8_t>(70000, 0xEE));
+
+    ASSERT_TRUE(xSaveScrren(m));
+    ASSERT_TRUE(xMemDump(m));
+
+    const auto screen = ReadAll("screen.bin");
+    ASSERT_EQ(screen.size(), 16384u);
+    EXPECT_EQ(static_cast<uint8_t>(screen[1]), 7);
+    EXPECT_EQ(static_cast<uint8_t>(screen[16383]), static_cast<uint8_t>(16383 * 7));
+    const auto dump = ReadAll("ramdump.bin");
+    ASSERT_EQ(dump.size(), 70000u);
+    EXPECT_EQ(static_cast<uint8_t>(dump[0x1234]), 0x12);
+    EXPECT_EQ(static_cast<uint8_t>(dump[65535]), 0xFF);
+    EXPECT_EQ(static_cast<uint8_t>(dump[65536]), 0xEE);
+
+    std::filesystem::remove("ramdump.bin");
+    ASSERT_TRUE(xMemDump(m));
+    EXPECT_EQ(ReadAll("ramdump.bin").size(), 65536u);
+}
+
+} // namespace
+} // namespace tvc

@@ -1,0 +1,357 @@
+// The seven renderers, pixel by pixel, on small hand-made video memory and
+// palette contents. Expected colours come from the machine's colour rules,
+// not from the renderers.
+#include <gtest/gtest.h>
+
+#include "hw/Ports.h"
+#include "support/TestMachine.h"
+#include "video/Screen.h"
+#include "video/VideoTestSupport.h"
+
+namespace tvc {
+namespace {
+
+using test::PicturePixel;
+using test::Rgb;
+using test::SetPicture;
+using test::VideoRam;
+
+constexpr bool kFamilies[] = {true, false}; // DIB, bitmap
+
+void SetPalette(Machine& m, uint8_t p0, uint8_t p1, uint8_t p2 = 0, uint8_t p3 = 0) {
+    m.bus.PortLatch[0x60] = p0;
+    m.bus.PortLatch[0x61] = p1;
+    m.bus.PortLatch[0x62] = p2;
+    m.bus.PortLatch[0x63] = p3;
+}
+
+// A byte of 0xFF with palette 0x55 in registers 1 to 3.
+Rgb AllSet(int mode) {
+    return mode == 0 ? Rgb{248, 224, 254} : mode == 1 ? Rgb{254, 254, 254} : Rgb{255, 255, 255};
+}
+
+// Pixels x0..x0+n-1 of line y.
+std::vector<Rgb> Line(const Machine& m, bool dib, int y, int x0, int n) {
+    std::vector<Rgb> out;
+    for (int x = x0; x < x0 + n; ++x)
+        out.push_back(PicturePixel(m, dib, x, y));
+    return out;
+}
+
+TEST(TwoColour, PaletteBytesAndBitOrder) {
+    // blue (c&1)*127*I, red (c&4)*31*I, green (c&16)*7*I; I = 2 with bit 6.
+    const struct {
+        uint8_t palette;
+        Rgb rgb;
+    } colours[] = {
+        {0x15, {124, 112, 127}}, {0x55, {248, 224, 254}}, {0x44, {248, 0, 0}},
+        {0x11, {0, 112, 127}},   {0x40, {0, 0, 0}},       {0xAA, {0, 0, 0}},
+    };
+    for (bool dib : kFamilies)
+        for (const auto& c : colours) {
+            test::TestMachine t;
+            Machine& m = t.m();
+            SetPicture(m, 0, 64, 1, dib);
+            SetPalette(m, 0x00, c.palette);
+            VideoRam(m, 0) = 0x81;
+            ScreenRedraw(m);
+            const Rgb set = c.rgb, clear{0, 0, 0};
+            EXPECT_EQ(Line(m, dib, 0, 0, 8),
+                      (std::vector<Rgb>{set, clear, clear, clear, clear, clear, clear, set}))
+                << "dib " << dib << " palette " << int(c.palette);
+        }
+}
+
+TEST(FourColour, BitOrderAndColoursInBothFamilies) {
+    // Pixel p takes bit 7-p as the low and bit 3-p as the high index bit.
+    // 0xCA = 1100 1010: indexes 3, 1, 2, 0.
+    const Rgb p0{0, 0, 127}, p1{127, 0, 0}, p2{0, 127, 0}, p3{254, 254, 254};
+    for (bool dib : kFamilies) {
+        test::TestMachine t;
+        Machine& m = t.m();
+        SetPicture(m, 1, 64, 1, dib);
+        SetPalette(m, 0x01, 0x04, 0x10, 0x55);
+        VideoRam(m, 0) = 0xCA;
+        VideoRam(m, 1) = 0x0F; // high bits only: index 2 everywhere
+        ScreenRedraw(m);
+        EXPECT_EQ(Line(m, dib, 0, 0, 8), (std::vector<Rgb>{p3, p3, p1, p1, p2, p2, p0, p0}))
+            << "dib " << dib;
+        EXPECT_EQ(Line(m, dib, 0, 8, 8), std::vector<Rgb>(8, p2)) << "dib " << dib;
+    }
+}
+
+TEST(SixteenColour, BitsIntensityAndChannelOrder) {
+    // Left pixel bits 1,3,5,7 and right pixel bits 0,2,4,6 as blue, red,
+    // green, intensity; intensity alone is black.
+    const struct {
+        uint8_t byte;
+        int left, right; // colour bits: blue 1, red 2, green 4, intensity 8
+    } cases[] = {
+        {0x02, 1, 0},  {0x08, 2, 0}, {0x20, 4, 0},  {0x80, 8, 0},   {0x40, 0, 8},
+        {0xC0, 8, 8},  {0x2A, 7, 0}, {0x8A, 11, 0}, {0x15, 0, 7},   {0x55, 0, 15},
+        {0x50, 0, 12}, {0x05, 0, 3}, {0x0C, 2, 2},  {0xFF, 15, 15}, {0x11, 0, 5},
+    };
+    for (bool dib : kFamilies) {
+        test::TestMachine t;
+        Machine& m = t.m();
+        SetPicture(m, dib ? 2 : 3, 64, 1, dib); // modes 2 and 3 alike
+        SetPalette(m, 0xFF, 0xFF, 0xFF, 0xFF);  // not used in this mode
+        for (size_t i = 0; i < std::size(cases); ++i)
+            VideoRam(m, int(i)) = cases[i].byte;
+        ScreenRedraw(m);
+        for (size_t i = 0; i < std::size(cases); ++i) {
+            const Rgb l = test::SixteenColourRgb(cases[i].left);
+            const Rgb r = test::SixteenColourRgb(cases[i].right);
+            EXPECT_EQ(Line(m, dib, 0, int(i) * 8, 8), (std::vector<Rgb>{l, l, l, l, r, r, r, r}))
+                << "dib " << dib << " byte " << std::hex << int(cases[i].byte);
+        }
+    }
+}
+
+// The DIB family repeats each line below it; the bitmap family leaves the
+// line below as it was, black after the buffer was made.
+TEST(ScanLines, DibCopiesBitmapLeavesTheOddLines) {
+    for (bool dib : kFamilies) {
+        test::TestMachine t;
+        Machine& m = t.m();
+        SetPicture(m, 2, 64, 1, dib);
+        for (int i = 0; i < 64 * 4; ++i)
+            VideoRam(m, i) = 0xFF;
+        ScreenRedraw(m);
+        const Rgb white{255, 255, 255};
+        for (int y = 0; y < 8; ++y)
+            for (int x : {0, 255, 511})
+                EXPECT_EQ(PicturePixel(m, dib, x, y), (dib || y % 2 == 0) ? white : test::kBlack)
+                    << "dib " << dib << " x " << x << " y " << y;
+
+        if (!dib) {
+            // Same size next time: the buffer is kept, and so is what an odd line holds.
+            m.screen.ScreenBits[2048 * 3] = 0x42;
+            ScreenRedraw(m);
+            EXPECT_EQ(m.screen.ScreenBits[2048 * 3], 0x42);
+        }
+    }
+}
+
+TEST(StartAddress, PageMultiplierAndTheOneWrap) {
+    // clang-format off
+    const struct {
+        int mode, r12, r13, port0F;
+        int32_t firstByte; // index in Mem of the picture's first byte
+    } cases[] = {
+        {0, 0, 1, 0x00, 0x10008},       {1, 0, 1, 0x00, 0x10004},    {2, 0, 1, 0x00, 0x10001},
+        {0, 0x08, 0x00, 0x00, 0x10000}, // 2048 * 8 = 16384 wraps to the base
+        {1, 0x10, 0x19, 0x00, 0x10064}, // 4121 * 4 = 16484 wraps to 100
+        {2, 0x3F, 0xFF, 0x00, 0x13FFF}, // the last byte, no wrap
+        {2, 0, 0, 0x10, 0x20000},       {2, 0, 0, 0x20, 0x24000},    {2, 0, 2, 0x30, 0x28002},
+        {2, 0, 0, 0xCF, 0x10000},       // only bits 5-4 choose the page
+    };
+    // clang-format on
+    for (const auto& c : cases) {
+        test::TestMachine t;
+        Machine& m = t.m();
+        SetPicture(m, c.mode, 64, 1, true);
+        SetPalette(m, 0x00, 0x55, 0x55, 0x55);
+        m.crtc.CrtcReg[12] = c.r12;
+        m.crtc.CrtcReg[13] = c.r13;
+        m.bus.PortLatch[0x0F] = static_cast<uint8_t>(c.port0F);
+        m.bus.Mem[c.firstByte] = 0xFF;
+        ScreenRedraw(m);
+        EXPECT_EQ(Line(m, true, 0, 0, 8), std::vector<Rgb>(8, AllSet(c.mode)))
+            << c.mode << " " << std::hex << c.firstByte;
+        EXPECT_EQ(PicturePixel(m, true, 8, 0), test::kBlack);
+        EXPECT_EQ(m.screen.VideoPage, c.port0F & 0x30);
+    }
+}
+
+TEST(StartAddress, ReadingWrapsWithinThePageAfterEachByte) {
+    for (bool dib : kFamilies) {
+        test::TestMachine t;
+        Machine& m = t.m();
+        SetPicture(m, 2, 64, 1, dib);
+        m.crtc.CrtcReg[12] = 0x3F;
+        m.crtc.CrtcReg[13] = 0xFE; // starts 2 bytes before the page's end
+        VideoRam(m, 16382) = 0x02; // blue
+        VideoRam(m, 16383) = 0x08; // red
+        VideoRam(m, 0) = 0x20;     // green
+        m.bus.Mem[0x14000] = 0xFF; // what lies behind the page is not shown
+        ScreenRedraw(m);
+        EXPECT_EQ(PicturePixel(m, dib, 0, 0), test::SixteenColourRgb(1));
+        EXPECT_EQ(PicturePixel(m, dib, 8, 0), test::SixteenColourRgb(2));
+        EXPECT_EQ(PicturePixel(m, dib, 16, 0), test::SixteenColourRgb(4));
+    }
+}
+
+// A start still beyond the page after its one wrap reads the flat memory
+// from there; bytes past the end of memory read 0xFF. Each further byte is
+// pulled back by one page until the address is inside again.
+TEST(StartAddress, BeyondMemoryAfterTheOneWrap) {
+    test::TestMachine t;
+    Machine& m = t.m();
+    SetPicture(m, 0, 64, 1, true);
+    SetPalette(m, 0x00, 0x15);
+    m.bus.PortLatch[0x0F] = 0x30; // base 0x28000
+    m.crtc.CrtcReg[12] = 63;
+    m.crtc.CrtcReg[13] = 255;  // 16383 * 8 - 16384 past the base: 0x43FF8
+    m.bus.Mem[0x3BFFA] = 0x0F; // third byte: 0x43FFA - 2 pages
+    ScreenRedraw(m);
+    const Rgb on{124, 112, 127}, off{0, 0, 0};
+    EXPECT_EQ(Line(m, true, 0, 0, 16), std::vector<Rgb>(16, on)) << "beyond memory: 0xFF";
+    EXPECT_EQ(Line(m, true, 0, 16, 8), (std::vector<Rgb>{off, off, off, off, on, on, on, on}));
+}
+
+TEST(Palette, RowsFollowTheRasterLineOfTheWrite) {
+    for (bool dib : kFamilies) {
+        test::TestMachine t;
+        Machine& m = t.m();
+        SetPicture(m, 0, 64, 1, dib);
+        SetPalette(m, 0x00, 0x01);
+        for (int i = 0; i < 64 * 4; ++i)
+            VideoRam(m, i) = 0xFF;
+        m.run.FrameT = 3 * 245; // raster line 3
+        int32_t red = 0x04;
+        PortOut(m, 0x61, red);
+        ScreenRedraw(m);
+        const Rgb blue{0, 0, 127}, redRgb{124, 0, 0};
+        EXPECT_EQ(PicturePixel(m, dib, 0, 0), blue);     // row 1
+        EXPECT_EQ(PicturePixel(m, dib, 0, 2), blue);     // row 2
+        EXPECT_EQ(PicturePixel(m, dib, 100, 4), redRgb); // row 3, the line of the write
+        EXPECT_EQ(PicturePixel(m, dib, 0, 6), redRgb);   // row 4
+    }
+}
+
+// R6 above 64: row 256 reads the table's last entry, which no write of a
+// normal frame reaches; the rows after it take the latches.
+TEST(Palette, RowsBeyondTheTable) {
+    test::TestMachine t;
+    Machine& m = t.m();
+    SetPicture(m, 0, 64, 65, true); // 260 rows
+    SetPalette(m, 0x00, 0x04);
+    for (int i = 0; i < 16384; ++i)
+        VideoRam(m, i) = 0xFF; // the rows past it wrap
+    ScreenRedraw(m);
+    const Rgb red{124, 0, 0};
+    EXPECT_EQ(PicturePixel(m, true, 0, 2 * 254), red);          // row 255
+    EXPECT_EQ(PicturePixel(m, true, 0, 2 * 255), test::kBlack); // row 256: entry 256, never filled
+    EXPECT_EQ(PicturePixel(m, true, 0, 2 * 256), red);          // row 257
+    EXPECT_EQ(PicturePixel(m, true, 0, 2 * 259 + 1), red);      // row 260, second line
+}
+
+// Noise doubles each set odd bit into the even bit below it, now and then,
+// on screen only and only in two colours: 0xAA then shows as 0xFF, 0x55
+// never changes.
+TEST(Noise, OnlyTwoColourPicturesAndNeverInMemory) {
+    for (int mode : {0, 1}) {
+        test::TestMachine t;
+        Machine& m = t.m();
+        SetPicture(m, mode, 64, 60, true);
+        m.menu.xScreenNoise = true;
+        SetPalette(m, 0x00, 0x55, 0x00, 0x55);
+        for (int i = 0; i < 16384; ++i)
+            VideoRam(m, i) = (i % 2) ? 0xAA : 0x55;
+        ScreenRedraw(m);
+        int noisy = 0;
+        for (int i = 0; i < 64 * 240; ++i) {
+            const int x = (i % 64) * 8, y = (i / 64) * 2;
+            // Bit 6: two colours' pixel 1, four colours' pixel 1 (with bit 2)
+            // at screen pixel 2. Set in 0x55, clear in 0xAA unless noise struck.
+            const bool lit = PicturePixel(m, true, x + (mode ? 2 : 1), y) != test::kBlack;
+            if (i % 2 == 0)
+                ASSERT_TRUE(lit) << i;
+            else
+                noisy += lit;
+            ASSERT_EQ(VideoRam(m, i), (i % 2) ? 0xAA : 0x55);
+        }
+        // A draw of 0..1 times 255 rounds above 250 about 1.8% of the time.
+        if (mode == 0)
+            EXPECT_TRUE(noisy > 7680 / 200 && noisy < 7680 / 25) << noisy;
+        else
+            EXPECT_EQ(noisy, 0);
+    }
+}
+
+TEST(Columns80, OffsetsOfTheSixteenRowCycle) {
+    test::TestMachine t;
+    Machine& m = t.m();
+    SetPicture(m, 2, 80, 5, true); // 640 x 40: 20 rows
+    // Where the table sends (row, column): start of row r is (r-1)*80, the
+    // column's own step is column-1, plus the row's offset.
+    // clang-format off
+    const struct {
+        int row, column, address;
+    } reads[] = {
+        {1, 1, 0},                {1, 64, 63},              {1, 65, 64 + 192},       {1, 80, 79 + 192},
+        {2, 1, 80 - 16},          {2, 65, 144 + 176},       {5, 48, 320 + 47 - 48},  {5, 49, 320 + 48 + 144},
+        {9, 33, 640 + 32 + 96},   {12, 32, 880 + 31 - 144}, {13, 17, 960 + 16 + 48}, {14, 1, 1040 - 32},
+        {14, 17, 1040 + 16 + 32}, {15, 16, 1120 + 15 - 112}, {15, 17, 1120 + 16 + 16}, {16, 1, 1200 - 192},
+        {16, 17, 1200 + 16},      {17, 1, 1280},            {17, 65, 1280 + 64 + 192},
+    };
+    // clang-format on
+    for (size_t i = 0; i < std::size(reads); ++i)
+        VideoRam(m, reads[i].address) = 0x20 | 0x04;
+    ScreenRedraw(m);
+    EXPECT_EQ(m.screen.RefreshCount[kSrefresh16DIB80], 1u);
+    EXPECT_EQ(m.screen.DibWidth, 640);
+    for (const auto& r : reads) {
+        const int x = (r.column - 1) * 8, y = (r.row - 1) * 2;
+        EXPECT_EQ(PicturePixel(m, true, x, y), test::SixteenColourRgb(4))
+            << "row " << r.row << " column " << r.column;
+        EXPECT_EQ(PicturePixel(m, true, x + 4, y + 1), test::SixteenColourRgb(2))
+            << "second line of row " << r.row;
+    }
+    // Nothing else in the first row was lit: column 2 reads address 1.
+    EXPECT_EQ(PicturePixel(m, true, 8, 0), test::kBlack);
+}
+
+TEST(Columns80, CountsOnPastThePageWithoutWrapping) {
+    test::TestMachine t;
+    Machine& m = t.m();
+    SetPicture(m, 2, 80, 1, true);
+    m.crtc.CrtcReg[12] = 0x3F;
+    m.crtc.CrtcReg[13] = 0xF5;         // 16373: column 12 reads 16384
+    m.bus.Mem[0x10000 + 16384] = 0x20; // the byte behind the page
+    VideoRam(m, 0) = 0x02;
+    ScreenRedraw(m);
+    EXPECT_EQ(PicturePixel(m, true, 11 * 8, 0), test::SixteenColourRgb(4));
+}
+
+TEST(Columns80, OnlyTheDibSixteenColourPath) {
+    const struct {
+        int mode;
+        bool dib;
+        RendererId painter;
+    } cases[] = {{2, true, kSrefresh16DIB80},
+                 {2, false, kSrefresh16},
+                 {0, true, kSrefresh2DIB},
+                 {1, true, kSrefresh4DIB}};
+    for (const auto& c : cases) {
+        test::TestMachine t;
+        Machine& m = t.m();
+        SetPicture(m, c.mode, 80, 1, c.dib);
+        ScreenRedraw(m);
+        EXPECT_EQ(m.screen.RefreshCount[c.painter], 1u) << c.mode << c.dib;
+        EXPECT_EQ(m.screen.Shown, c.dib ? PictureFamily::Dib : PictureFamily::Bitmap);
+    }
+}
+
+// Widths other than 512 shear: the row steps are constants. A DIB row of
+// 256 pixels is followed by 1536 copied bytes, so each row takes three lines
+// of 768 bytes; a bitmap row of 1024 bytes is followed by a 2048-byte skip.
+TEST(Shear, NarrowPicturesStepByTheConstants) {
+    for (bool dib : kFamilies) {
+        test::TestMachine t;
+        Machine& m = t.m();
+        SetPicture(m, 2, 32, 2, dib); // 256 x 16: 8 rows, 32 bytes each
+        VideoRam(m, 0) = 0x20;        // row 1
+        VideoRam(m, 32) = 0x08;       // row 2
+        ScreenRedraw(m);
+        const Rgb green = test::SixteenColourRgb(4), red = test::SixteenColourRgb(2);
+        EXPECT_EQ(PicturePixel(m, dib, 0, 0), green);
+        EXPECT_EQ(PicturePixel(m, dib, 0, 1), dib ? green : test::kBlack);
+        EXPECT_EQ(PicturePixel(m, dib, 0, 2), test::kBlack);
+        EXPECT_EQ(PicturePixel(m, dib, 0, 3), red);
+    }
+}
+
+} // namespace
+} // namespace tvc

@@ -16,6 +16,7 @@ Machine set-up (applied in this order):
   --set NAME=0|1         set a menu check mark before the machine is built
                          (xBasic, x32KB, xio0..xio3, xUnDoc, xS6, xScreenBW, ...);
                          xUnDoc takes effect as its menu command does, after start
+  --cart FILE            load a 16 KB cartridge image (a path relative to --dir)
   --port N=V             set PortLatch[N] after reset
   --load-bin FILE        load a file into memory from index 0 (at most 65536 bytes)
   --poke ADDR=VAL        write a byte through the memory map
@@ -25,6 +26,15 @@ Running:
   --steps N              run exactly N instructions
   --frames N             run N frames (62,500 T-states each)
                          A run also ends when the program stops the machine.
+  --type TEXT            type TEXT on the keyboard, keys as the built-in monitor
+                         lays them out: \n is Enter, \b Backspace, \\ a
+                         backslash; Shift is held where a character needs it.
+                         Each key is held down for 3 frames and then released
+                         for 3 (6 frames, 0.12 s, a key). The run lasts --frames
+                         N frames or until the text is typed and 50 frames more
+                         have passed, whichever is later.
+  --type-after N         frame at which typing begins (default 100, 2 s: time
+                         for the monitor to start)
 Output, after the run:
   --dump-regs FILE|-     the processor state and clocks as a JSON object
   --dump-mem ADDR:LEN:FILE
@@ -84,6 +94,7 @@ std::optional<int32_t> InRange(const std::string& text, int64_t lo, int64_t hi) 
 constexpr std::string_view kValueOptions[] = {
     "--dir",   "--set",   "--port",   "--reg",       "--load-bin",
     "--poke",  "--steps", "--frames", "--dump-regs", "--dump-mem", "--screenshot",
+    "--cart",  "--type",  "--type-after",
 };
 
 bool KnownMenuItem(const std::string& name) {
@@ -144,6 +155,15 @@ std::optional<Options> ParseOptions(const std::vector<std::string>& args, std::s
                 !(v = InRange(r, 0, 255)))
                 return fail("--poke takes ADDR=VAL (0..65535, 0..255), not '" + value + "'");
             o.pokes.emplace_back(*ad, *v);
+        } else if (name == "--cart") {
+            if (value.empty()) return fail("--cart takes a file name");
+            o.cart = value;
+        } else if (name == "--type") {
+            o.type = value;
+        } else if (name == "--type-after") {
+            auto v = ParseNumber(value);
+            if (!v || *v < 0) return fail("--type-after takes a frame count, not '" + value + "'");
+            o.typeAfter = *v;
         } else if (name == "--steps" || name == "--frames") {
             auto v = ParseNumber(value);
             if (!v || *v < 0) return fail(name + " takes a count, not '" + value + "'");
@@ -165,6 +185,7 @@ std::optional<Options> ParseOptions(const std::vector<std::string>& args, std::s
         }
     }
     if (o.steps && o.frames) return fail("--steps and --frames cannot be combined");
+    if (o.steps && o.type) return fail("--type runs by frames and cannot be combined with --steps");
     return o;
 }
 

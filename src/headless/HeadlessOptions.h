@@ -27,6 +27,9 @@ struct Options {
     std::optional<std::string> dumpRegs;
     std::vector<MemDump> dumpMems;
     std::optional<std::string> screenshot; // PNG of the window's picture
+    std::string cart;                      // cartridge image, loaded by MachineInit
+    std::optional<std::string> type;       // keys to type, through the monitor's layout
+    int64_t typeAfter = 100;               // frame at which typing begins
     bool help = false;
 };
 

@@ -7,6 +7,7 @@
 #include <fstream>
 #include <iostream>
 #include <memory>
+#include <optional>
 #include <sstream>
 
 #include "core/Machine.h"
@@ -15,6 +16,7 @@
 #include "headless/HeadlessHost.h"
 #include "headless/HeadlessOptions.h"
 #include "headless/PngWriter.h"
+#include "hw/KeyQueue.h"
 #include "hw/MachineSetup.h"
 #include "hw/Memory.h"
 
@@ -22,6 +24,8 @@ namespace tvc::headless {
 namespace {
 
 constexpr int kExitOk = 0, kExitUsage = 2, kExitFatal = 3, kExitIo = 1;
+// A typed line's effect shows within this many frames of its last key.
+constexpr uint64_t kFramesAfterTyping = 50;
 
 int Usage(const std::string& why) {
     std::cerr << "tvc-headless: " << why << "\nTry 'tvc-headless --help'.\n";
@@ -70,13 +74,28 @@ bool LoadBin(Machine& m, const std::string& file) {
     return true;
 }
 
-void Run(Machine& m, const Options& o) {
+// Runs until the frame count reaches `end`, typing from the queue at each
+// frame boundary.
+void RunFrames(Machine& m, uint64_t end, KeyQueue* keys) {
+    uint64_t seen = m.run.FrameCount;
+    if (keys) keys->OnFrame(seen, m.bus.KeyMatrix);
+    while (m.run.FrameCount < end && m.run.RunFlag == 1) {
+        RunPass(m);
+        if (keys && m.run.FrameCount != seen) {
+            seen = m.run.FrameCount;
+            keys->OnFrame(seen, m.bus.KeyMatrix);
+        }
+    }
+}
+
+void Run(Machine& m, const Options& o, KeyQueue* keys) {
     m.run.RunFlag = 1;
     if (o.steps) {
         for (int64_t i = 0; i < *o.steps && m.run.RunFlag == 1; ++i) RunPass(m);
-    } else if (o.frames) {
-        const uint64_t end = m.run.FrameCount + static_cast<uint64_t>(*o.frames);
-        while (m.run.FrameCount < end && m.run.RunFlag == 1) RunPass(m);
+    } else if (o.frames || keys) {
+        uint64_t end = m.run.FrameCount + static_cast<uint64_t>(o.frames.value_or(0));
+        if (keys) end = std::max(end, keys->DoneFrame() + kFramesAfterTyping);
+        RunFrames(m, end, keys);
     } else {
         return;
     }
@@ -106,6 +125,13 @@ int Main(const std::vector<std::string>& args) {
         if (name == "xUnDoc") undoc = value;
     }
     m.menu.xS6 = true; // the runner always runs at "Max" pace
+    if (!o.cart.empty()) m.bus.SetCartName(o.cart);
+
+    std::optional<KeyQueue> keys;
+    if (o.type) {
+        keys.emplace(static_cast<uint64_t>(o.typeAfter));
+        if (!keys->PushText(*o.type, error)) return Usage("--type: " + error);
+    }
 
     MachineInit(m);
     if (!m.FatalStop) MachineReset(m);
@@ -127,7 +153,7 @@ int Main(const std::vector<std::string>& args) {
         *it->value = value;
     }
 
-    Run(m, o);
+    Run(m, o, keys ? &*keys : nullptr);
 
     if (o.dumpRegs && !WriteOut(*o.dumpRegs, RegsJson(m))) {
         std::cerr << "tvc-headless: cannot write " << *o.dumpRegs << '\n';

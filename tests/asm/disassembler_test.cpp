@@ -27,58 +27,30 @@ class DisassembleTest : public ::testing::Test {
     test::TestMachine tm;
 };
 
-TEST_F(DisassembleTest, EveryPrefixAndPlaceHolder) {
-    const struct {
-        int32_t address;
-        std::vector<uint8_t> bytes;
-        const char* text;
-        int32_t size;
-    } cases[] = {
-        {0x1000, {0x00}, "NOP", 1},
-        {0x1000, {0x3E, 0x05}, "LD A,05", 2},
-        {0x1000, {0x01, 0x34, 0x12}, "LD BC,1234", 3},
-        {0x1000, {0x22, 0x34, 0x12}, "LD (1234),HL", 3},
-        {0x1000, {0xD3, 0xFE}, "OUT (FE),A", 2},
-        {0x1000, {0x18, 0xFE}, "JR 1000", 2},
-        {0x1000, {0x18, 0x80}, "JR 0F82", 2},
-        {0x1000, {0x10, 0x7F}, "DJNZ 1081", 2},
-        {0x1000, {0x38, 0x00}, "JR C,1002", 2},
-        {0x1000, {0x08}, "EX AF,AF\u2019", 1},
-        {0x1000, {0xCF}, "RST 8H", 1},
-        {0x1000, {0xCB, 0x46}, "BIT 0,(HL)", 2},
-        {0x1000, {0xCB, 0x37}, "SLL A*", 2},
-        {0x1000, {0xED, 0xB0}, "LDIR", 2},
-        {0x1000, {0xED, 0x43, 0x34, 0x12}, "LD (1234),BC", 4},
-        {0x1000, {0xED, 0x4E}, "IM 0/1*", 2},
-        {0x1000, {0xED, 0x00}, ">ED00 Unknown!", 2},
-        {0x1000, {0xED, 0x77}, ">ED77 Unknown!", 2},
-        {0x1000, {0xDD, 0x00}, ">DD00 Unknown!", 2},
-        {0x1000, {0xDD, 0xDD, 0x21}, ">DDDD Unknown!", 2},
-        {0x1000, {0xFD, 0xF0}, ">FDF0 Unknown!", 2},
-        {0x1000, {0xDD, 0x7E, 0xFE}, "LD A,(IX+FE)", 3},
-        {0x1000, {0xDD, 0x34, 0x80}, "INC (IX+80)", 3},
-        {0x1000, {0xFD, 0x21, 0x34, 0x12}, "LD IY,1234", 4},
-        {0x1000, {0xFD, 0x2A, 0x34, 0x12}, "LD IY,(1234)", 4},
-        {0x1000, {0xDD, 0x26, 0x12}, "LD IXH,12*", 3},
-        {0x1000, {0xFD, 0xE9}, "JP (IY)", 2},
+// clang-format off
+// The cases the every-row test below does not reach: odd operand values,
+// opcodes without a row, the store's display form, the top of memory.
+TEST_F(DisassembleTest, EdgesOfTheOperandsAndOfMemory) {
+    const struct { int32_t address; std::vector<uint8_t> bytes; const char* text; int32_t size; }
+    cases[] = {
+        {0x1000, {0x18, 0xFE}, "JR 1000", 2},           {0x1000, {0x18, 0x80}, "JR 0F82", 2},
+        {0x1000, {0x10, 0x7F}, "DJNZ 1081", 2},         {0x1000, {0x08}, "EX AF,AF\u2019", 1},
+        {0x1000, {0xDD, 0x7E, 0xFE}, "LD A,(IX+FE)", 3}, {0x1000, {0xED, 0x00}, ">ED00 Unknown!", 2},
+        {0x1000, {0xED, 0x77}, ">ED77 Unknown!", 2},    {0x1000, {0xDD, 0x00}, ">DD00 Unknown!", 2},
+        {0x1000, {0xDD, 0xDD, 0x21}, ">DDDD Unknown!", 2}, {0x1000, {0xFD, 0xF0}, ">FDF0 Unknown!", 2},
         {0x1000, {0xDD, 0x36, 0x05, 0x07}, "LD IX+05),07", 4},
         {0x1000, {0xFD, 0x36, 0x80, 0xFF}, "LD IY+80),FF", 4},
         {0x1000, {0xDD, 0xCB, 0x05, 0x46}, "BIT 0,(IX+05)", 4},
-        {0x1000, {0xDD, 0xCB, 0x05, 0x36}, "SLL (IX+05)*", 4},
-        {0x1000, {0xFD, 0xCB, 0x10, 0xF2}, "LD D,SET 6,(IY+10)*", 4},
-        // At the top of memory the operands come from 0x10000 on, as MemRead
-        // maps them, and a jump target is not wrapped.
-        {0xFFFE, {0x01, 0x34, 0x12}, "LD BC,1234", 3},
-        {0xFFFF, {0x18, 0x7F}, "JR 10080", 2},
-        {0xFFFE, {0xDD, 0xCB, 0x01, 0x06}, "RLC (IX+01)", 4},
-        {0x0000, {0x18, 0x80}, "JR FFFFFF82", 2},
-    };
+        // Operands past 0xFFFF come from where MemRead maps them; targets are not wrapped.
+        {0xFFFE, {0x01, 0x34, 0x12}, "LD BC,1234", 3}, {0xFFFF, {0x18, 0x7F}, "JR 10080", 2},
+        {0xFFFE, {0xDD, 0xCB, 0x01, 0x06}, "RLC (IX+01)", 4}, {0x0000, {0x18, 0x80}, "JR FFFFFF82", 2}};
     for (const auto& c : cases) {
         auto [text, size] = One(c.address, c.bytes);
         EXPECT_EQ(text, c.text) << std::hex << c.address;
         EXPECT_EQ(size, c.size) << c.text;
     }
 }
+// clang-format on
 
 TEST_F(DisassembleTest, LinesCarryTheirAddressAndAreJoinedByCrLf) {
     tm.Load(0x1000, {0x00, 0x3E, 0x05, 0x18, 0xFE, 0xC9}, false);
@@ -115,21 +87,16 @@ TEST_F(DisassembleTest, AnyMemoryAtAnyAddressGivesOneToFourBytesALine) {
     for (int32_t a = 0; a < 0x14000; ++a)
         MemWrite(tm.m(), a, static_cast<int32_t>(rng() & 0xFF));
     int32_t address = 0;
-    const std::string text = Disassemble(tm.m(), address, 60000, 1);
-    EXPECT_GT(address, 0xFFFF);
-    int32_t previous = -1, lines = 0;
-    for (size_t pos = 0; pos < text.size(); ++lines) {
-        size_t eol = text.find("\r\n", pos);
-        if (eol == std::string::npos) eol = text.size();
-        const int32_t at = static_cast<int32_t>(std::stol(text.substr(pos + 1, 5), nullptr, 16));
-        if (previous >= 0) { EXPECT_TRUE(at - previous >= 1 && at - previous <= 4) << at; }
-        EXPECT_GT(eol - pos, 6u);
-        previous = at, pos = eol + 2;
+    while (address < 0x10010) {
+        const int32_t before = address;
+        EXPECT_GT(Disassemble(tm.m(), address, 1, 1).size(), 6u) << before;
+        ASSERT_TRUE(address - before >= 1 && address - before <= 4) << before;
     }
-    EXPECT_EQ(lines, 60000);
     // Far outside memory the reads give 0xFF, which is RST 38H; the address
     // arithmetic wraps instead of overflowing.
     for (int32_t start : {0x3FFFE, 0x7FFFFFFE, -100}) {
+        address = start;
+        EXPECT_EQ(Disassemble(tm.m(), address, 1, 0), "RST 38H");
         address = start;
         Disassemble(tm.m(), address, 5, 1);
         EXPECT_EQ(address, static_cast<int32_t>(static_cast<uint32_t>(start) + 5u)) << start;
@@ -143,14 +110,12 @@ TEST_F(DisassembleTest, AnEditedTableWithBrokenRowsNeverCrashes) {
     const struct {
         std::vector<uint8_t> bytes;
         const char* text;
-    } cases[] = {
-        {{0x00, 0x00}, ">00 Unknown!"},
-        {{0x3E, 0x00}, "LD A,3002"},
-        {{0x06, 0x00}, "3002"},
-        {{0xDD, 0x7E, 0x05}, "LD A,(IX+05)"},
-        {{0x01, 0x02, 0x03, 0x04}, "0302 04 nn"},
-        {{0xC9}, ">C9 Unknown!"},
-    };
+    } cases[] = {{{0x00, 0x00}, ">00 Unknown!"},
+                 {{0x3E, 0x00}, "LD A,3002"},
+                 {{0x06, 0x00}, "3002"},
+                 {{0xDD, 0x7E, 0x05}, "LD A,(IX+05)"},
+                 {{0x01, 0x02, 0x03, 0x04}, "0302 04 nn"},
+                 {{0xC9}, ">C9 Unknown!"}};
     for (const auto& c : cases)
         EXPECT_EQ(One(0x3000, c.bytes).first, c.text);
     OpcodeTablesLoad(tm.m());

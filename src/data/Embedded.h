@@ -1,5 +1,5 @@
-// The files of src/data, compiled into the program at build time, as the
-// original carried its tables as program resources.
+// The files of src/data, compiled into the program at build time, so that
+// the tables travel inside the program and need no file beside it.
 #pragma once
 
 #include <optional>

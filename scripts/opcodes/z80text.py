@@ -172,7 +172,8 @@ def ld8(dst, src):
     if dst == src:
         return "Copies %s into itself: nothing changes." % thing(dst)
     if dst.startswith("("):
-        return "Stores %s in %s." % (thing(src), thing(dst))
+        where = thing(dst).replace("the byte at ", "at ")
+        return "Stores %s %s." % (thing(src), where)
     return "Loads %s with %s." % (thing(dst), thing(src))
 
 

@@ -27,6 +27,7 @@ struct Options {
     std::optional<std::string> dumpRegs;
     std::vector<MemDump> dumpMems;
     std::optional<std::string> screenshot; // PNG of the window's picture
+    std::optional<std::pair<int32_t, int32_t>> disasm; // address, lines
     bool help = false;
 };
 

@@ -19,7 +19,14 @@ struct CPUmonControls {
 };
 
 struct TVCmonControls {
-    bool Check3 = true; // "Int enabled": lets the tone generator raise its interrupt
+    bool Check1 = false; // "Record": the machine's own sound goes to the tape's record file
+    bool Check3 = true;  // "Int enabled": lets the tone generator raise its interrupt
+};
+
+// The SAA1099 panel's controls that the audio pipeline touches.
+struct FsaaControls {
+    int Command1Color = 0xFFFFFF; // "Record": white idle, red (255) recording
+    std::string Label11;          // BlockIndex at the last delivery
 };
 
 // The error simulator's controls; the video fault's "Enabled" box is
@@ -47,6 +54,7 @@ struct Controls {
     TScreenControls TScreen;
     TToolsControls TTools;
     ErrorSimControls ErrorSim;
+    FsaaControls Fsaa;
 };
 
 } // namespace tvc

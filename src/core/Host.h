@@ -7,7 +7,9 @@
 // events (an unknown opcode, an unknown port), so virtual dispatch is fine.
 #pragma once
 
+#include <chrono>
 #include <string_view>
+#include <thread>
 
 namespace tvc {
 
@@ -52,6 +54,11 @@ public:
 
     // A new picture stands in the core's pixel buffers.
     virtual void PictureReady() {}
+
+    // The audio delivery's wait between two looks at the handshake byte.
+    virtual void Sleep(int milliseconds) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+    }
 };
 
 // A host that ignores everything; for tools and tests that need none.

@@ -18,37 +18,6 @@ constexpr int32_t kCursorStartT = 392;  // T-states before the first character
 constexpr int32_t kCharRowT = 1360;     // one character row
 // One character position is 13.6 T-states: pos = FrameT * 100 / 1360.
 
-void ExecuteInstruction(Machine& m) {
-    Z80& cpu = m.cpu;
-    for (;;) {
-        cpu.CurOpcode = MemRead(m, cpu.RegPC);
-        switch (cpu.PrefixState) {
-        case kPrefixNone: cpu.xx(); break;
-        case kPrefixCB: cpu.xxCB(); break;
-        case kPrefixED: cpu.xxED(); break;
-        case kPrefixDD: cpu.xxDD(); break;
-        case kPrefixFD: cpu.xxFD(); break;
-        // The two offsets differ on purpose: xxDD has already stepped over one
-        // more byte than xxFD. Both land on the byte after the displacement.
-        case kPrefixFDCB:
-            cpu.CurOpcode = MemRead(m, cpu.RegPC + 2);
-            cpu.xxFDCB();
-            break;
-        case kPrefixDDCB:
-            cpu.CurOpcode = MemRead(m, cpu.RegPC + 1);
-            cpu.xxDDCB();
-            break;
-        default: {
-            const int32_t bad = cpu.PrefixState;
-            cpu.PrefixState = 0;
-            m.Fatal(std::to_string(bad) + "=Unknown prefix", "CPU ERROR!");
-            return;
-        }
-        }
-        if (cpu.PrefixState <= 0) return;
-    }
-}
-
 void SampleInterrupts(Machine& m) {
     Z80& cpu = m.cpu;
     if (cpu.ResetRequest || cpu.NmiRequest) {
@@ -120,6 +89,37 @@ int64_t DecimalValue(const std::string& text) {
 }
 
 } // namespace
+
+void ExecuteInstruction(Machine& m) {
+    Z80& cpu = m.cpu;
+    for (;;) {
+        cpu.CurOpcode = MemRead(m, cpu.RegPC);
+        switch (cpu.PrefixState) {
+        case kPrefixNone: cpu.xx(); break;
+        case kPrefixCB: cpu.xxCB(); break;
+        case kPrefixED: cpu.xxED(); break;
+        case kPrefixDD: cpu.xxDD(); break;
+        case kPrefixFD: cpu.xxFD(); break;
+        // The two offsets differ on purpose: xxDD has already stepped over one
+        // more byte than xxFD. Both land on the byte after the displacement.
+        case kPrefixFDCB:
+            cpu.CurOpcode = MemRead(m, cpu.RegPC + 2);
+            cpu.xxFDCB();
+            break;
+        case kPrefixDDCB:
+            cpu.CurOpcode = MemRead(m, cpu.RegPC + 1);
+            cpu.xxDDCB();
+            break;
+        default: {
+            const int32_t bad = cpu.PrefixState;
+            cpu.PrefixState = 0;
+            m.Fatal(std::to_string(bad) + "=Unknown prefix", "CPU ERROR!");
+            return;
+        }
+        }
+        if (cpu.PrefixState <= 0) return;
+    }
+}
 
 void RunPass(Machine& m) {
     Z80& cpu = m.cpu;

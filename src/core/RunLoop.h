@@ -16,6 +16,12 @@ void RunLoop(Machine& m);
 // a frame boundary, and the breakpoint test.
 void RunPass(Machine& m);
 
+// The instruction stage of a pass: fetches and dispatches on PrefixState
+// until the instruction is complete, without the masking of RegR, the
+// interrupt sampling or any of the timers. Tools that drive the processor in
+// a tight loop (instruction exercisers) call it directly.
+void ExecuteInstruction(Machine& m);
+
 // What the loop does on leaving: the CPU monitor's Stop button turns red.
 void LeaveRunLoop(Machine& m);
 

@@ -42,6 +42,7 @@ Output, after the run:
   --screenshot FILE.png  the main window's picture as last painted: the
                          border with the TVC picture at its place, 640 x 576
                          pixels (pictures are painted at two frame ends in five)
+  --disasm ADDR:LINES    the disassembly of LINES instructions from ADDR, on stdout
   --help                 this text
 
 Numbers are decimal or 0x hexadecimal.
@@ -93,7 +94,7 @@ std::optional<int32_t> InRange(const std::string& text, int64_t lo, int64_t hi) 
 
 constexpr std::string_view kValueOptions[] = {
     "--dir",   "--set",   "--port",   "--reg",       "--load-bin",
-    "--poke",  "--steps", "--frames", "--dump-regs", "--dump-mem", "--screenshot",
+    "--poke",  "--steps", "--frames", "--dump-regs", "--dump-mem", "--screenshot", "--disasm",
     "--cart",  "--type",  "--type-after",
 };
 
@@ -168,6 +169,12 @@ std::optional<Options> ParseOptions(const std::vector<std::string>& args, std::s
             auto v = ParseNumber(value);
             if (!v || *v < 0) return fail(name + " takes a count, not '" + value + "'");
             (name == "--steps" ? o.steps : o.frames) = *v;
+        } else if (name == "--disasm") {
+            std::optional<int32_t> ad, lines;
+            if (!SplitPair(value, ':', l, r) || !(ad = InRange(l, 0, 65535)) ||
+                !(lines = InRange(r, 1, 65536)))
+                return fail("--disasm takes ADDR:LINES, not '" + value + "'");
+            o.disasm = std::make_pair(*ad, *lines);
         } else if (name == "--dump-regs") {
             o.dumpRegs = value;
         } else if (name == "--screenshot") {

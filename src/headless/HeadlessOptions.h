@@ -30,6 +30,7 @@ struct Options {
     std::string cart;                      // cartridge image, loaded by MachineInit
     std::optional<std::string> type;       // keys to type, through the monitor's layout
     int64_t typeAfter = 100;               // frame at which typing begins
+    std::optional<std::pair<int32_t, int32_t>> disasm; // address, lines
     bool help = false;
 };
 

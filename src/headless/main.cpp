@@ -10,6 +10,7 @@
 #include <optional>
 #include <sstream>
 
+#include "asm/Disassembler.h"
 #include "core/Machine.h"
 #include "core/RunLoop.h"
 #include "core/StateFields.h"
@@ -158,6 +159,12 @@ int Main(const std::vector<std::string>& args) {
     if (o.dumpRegs && !WriteOut(*o.dumpRegs, RegsJson(m))) {
         std::cerr << "tvc-headless: cannot write " << *o.dumpRegs << '\n';
         return kExitIo;
+    }
+    if (o.disasm) {
+        int32_t address = o.disasm->first;
+        std::string text = Disassemble(m, address, o.disasm->second, 1);
+        std::erase(text, '\r'); // the listing's CR LF line ends become plain lines
+        std::cout << text << '\n' << std::flush;
     }
     for (const MemDump& d : o.dumpMems) {
         std::string bytes(static_cast<size_t>(d.length), '\0');

@@ -8,7 +8,9 @@ namespace tvc {
 
 class Machine;
 
-struct Ay8910 {};
+struct Ay8910 {
+    int16_t AyOut[441] = {}; // this block's output; zero until the chip sounds
+};
 
 void AyInit(Machine& m);
 void AyReset(Machine& m);

@@ -8,7 +8,10 @@ namespace tvc {
 
 class Machine;
 
-struct Saa1099 {};
+struct Saa1099 {
+    int16_t SaaLeft[441] = {}; // this block's output; zero until the chip sounds
+    int16_t SaaRight[441] = {}; // this block's output; zero until the chip sounds
+};
 
 void SaaLoadTable(Machine& m);
 void SaaReset(Machine& m);

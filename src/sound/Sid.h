@@ -8,7 +8,9 @@ namespace tvc {
 
 class Machine;
 
-struct Sid {};
+struct Sid {
+    int16_t SidOut[441] = {}; // this block's output; zero until the chip sounds
+};
 
 void SidInit(Machine& m);
 void SidReset(Machine& m);

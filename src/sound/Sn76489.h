@@ -8,7 +8,9 @@ namespace tvc {
 
 class Machine;
 
-struct Sn76489 {};
+struct Sn76489 {
+    int16_t Sn76489Out[441] = {}; // this block's output; zero until the chip sounds
+};
 
 void SnReset(Machine& m);
 void SnWrite(Machine& m, uint8_t port, uint8_t value);

@@ -8,7 +8,9 @@ namespace tvc {
 
 class Machine;
 
-struct Ym2413 {};
+struct Ym2413 {
+    int16_t Ym2413Out[441] = {}; // this block's output; zero until the chip sounds
+};
 
 void Ym2Reset(Machine& m);
 void Ym2Write(Machine& m, uint8_t port, uint8_t value);

@@ -8,7 +8,9 @@ namespace tvc {
 
 class Machine;
 
-struct Ym3812 {};
+struct Ym3812 {
+    int16_t Ym3812Out[441] = {}; // this block's output; zero until the chip sounds
+};
 
 void YmInit(Machine& m);
 void YmReset(Machine& m);

@@ -12,6 +12,7 @@
 
 #include "core/Machine.h"
 #include "hw/Ports.h"
+#include "z80/Operands.h"
 #include "z80/Z80.h"
 
 namespace tvc {
@@ -61,47 +62,6 @@ constexpr uint8_t kBaseR[256] = {
 // clang-format on
 
 } // namespace
-
-// The eight register operands of an opcode's low (or middle) three bits:
-// B C D E H L (HL) A. Operand 6 goes through memory at HL.
-static inline int32_t GetOperand(Z80& c, int32_t i) {
-    switch (i) {
-    case 0: return c.RegB;
-    case 1: return c.RegC;
-    case 2: return c.RegD;
-    case 3: return c.RegE;
-    case 4: return c.RegH;
-    case 5: return c.RegL;
-    case 6: return c.Rd(c.HL());
-    default: return c.RegA;
-    }
-}
-
-static inline void SetOperand(Z80& c, int32_t i, int32_t v) {
-    switch (i) {
-    case 0: c.RegB = v; break;
-    case 1: c.RegC = v; break;
-    case 2: c.RegD = v; break;
-    case 3: c.RegE = v; break;
-    case 4: c.RegH = v; break;
-    case 5: c.RegL = v; break;
-    case 6: c.Wr(c.HL(), v); break;
-    default: c.RegA = v; break;
-    }
-}
-
-static inline void Alu(Z80& c, int32_t op, int32_t v) {
-    switch (op) {
-    case 0: c.AddA(v); break;
-    case 1: c.AdcA(v); break;
-    case 2: c.SubA(v); break;
-    case 3: c.SbcA(v); break;
-    case 4: c.AndA(v); break;
-    case 5: c.XorA(v); break;
-    case 6: c.OrA(v); break;
-    default: c.CpA(v); break;
-    }
-}
 
 // Condition of the cc field: NZ Z NC C PO PE P M.
 static inline bool Condition(const Z80& c, int32_t cc) {

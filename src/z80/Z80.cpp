@@ -2,6 +2,7 @@
 // routines and interrupt acceptance.
 #include "z80/Z80.h"
 
+#include "asm/OpcodeTables.h"
 #include "core/Machine.h"
 #include "hw/Memory.h"
 
@@ -14,6 +15,7 @@ void Z80::Z80Init() {
     CpuReset();
     for (int n = 0; n < 16; ++n) BitMask[n] = 1 << n;
     for (int v = 0; v < 256; ++v) ParityTable[v] = (__builtin_popcount(v) % 2) == 0;
+    OpcodeTablesLoad(m);
 }
 
 void Z80::CpuReset() {

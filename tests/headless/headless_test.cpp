@@ -88,6 +88,17 @@ TEST(Headless, RunsAProgramAndDumpsRegistersAndMemory) {
     EXPECT_EQ(bytes, std::string("\x00\xAB\x00", 3));
 }
 
+TEST(Headless, DisassemblesAfterTheRun) {
+    ScratchDir dir;
+    WriteRomSet(dir);
+    dir.Write("prog.bin", {0x3E, 0x05, 0xDD, 0x21, 0x34, 0x12, 0xCB, 0x47, 0x76});
+    const Result r = RunHeadless("--dir " + dir.path().string() +
+                                 " --port 2=0xB0 --load-bin prog.bin --disasm 0:4");
+    ASSERT_EQ(r.status, 0) << r.out;
+    EXPECT_EQ(r.out, " 0000 LD A,05\n 0002 LD IX,1234\n 0006 BIT 0,A\n 0008 HALT\n");
+    EXPECT_EQ(RunHeadless("--disasm 0:0").status, 2);
+}
+
 TEST(Headless, RegistersSetByNameAndFramesRun) {
     ScratchDir dir;
     WriteRomSet(dir);

@@ -1,0 +1,125 @@
+#include "asm/Disassembler.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+#include "asm/OpcodeRows.h"
+#include "asm/OpcodeTables.h"
+#include "hw/Memory.h"
+#include "support/TestMachine.h"
+
+namespace tvc {
+namespace {
+
+class DisassembleTest : public ::testing::Test {
+  protected:
+    void SetUp() override { OpcodeTablesLoad(tm.m()); }
+
+    // Mnemonic of the one instruction at address, and its size.
+    std::pair<std::string, int32_t> One(int32_t address, const std::vector<uint8_t>& bytes) {
+        tm.Load(address, bytes, false);
+        int32_t at = address;
+        std::string text = Disassemble(tm.m(), at, 1, 0);
+        return {text, at - address};
+    }
+
+    test::TestMachine tm;
+};
+
+// clang-format off
+// The cases the every-row test below does not reach: odd operand values,
+// opcodes without a row, the store's display form, the top of memory.
+TEST_F(DisassembleTest, EdgesOfTheOperandsAndOfMemory) {
+    const struct { int32_t address; std::vector<uint8_t> bytes; const char* text; int32_t size; }
+    cases[] = {
+        {0x1000, {0x18, 0xFE}, "JR 1000", 2},           {0x1000, {0x18, 0x80}, "JR 0F82", 2},
+        {0x1000, {0x10, 0x7F}, "DJNZ 1081", 2},         {0x1000, {0x08}, "EX AF,AF\u2019", 1},
+        {0x1000, {0xDD, 0x7E, 0xFE}, "LD A,(IX+FE)", 3}, {0x1000, {0xED, 0x00}, ">ED00 Unknown!", 2},
+        {0x1000, {0xED, 0x77}, ">ED77 Unknown!", 2},    {0x1000, {0xDD, 0x00}, ">DD00 Unknown!", 2},
+        {0x1000, {0xDD, 0xDD, 0x21}, ">DDDD Unknown!", 2}, {0x1000, {0xFD, 0xF0}, ">FDF0 Unknown!", 2},
+        {0x1000, {0xDD, 0x36, 0x05, 0x07}, "LD IX+05),07", 4},
+        {0x1000, {0xFD, 0x36, 0x80, 0xFF}, "LD IY+80),FF", 4},
+        {0x1000, {0xDD, 0xCB, 0x05, 0x46}, "BIT 0,(IX+05)", 4},
+        // Operands past 0xFFFF come from where MemRead maps them; targets are not wrapped.
+        {0xFFFE, {0x01, 0x34, 0x12}, "LD BC,1234", 3}, {0xFFFF, {0x18, 0x7F}, "JR 10080", 2},
+        {0xFFFE, {0xDD, 0xCB, 0x01, 0x06}, "RLC (IX+01)", 4}, {0x0000, {0x18, 0x80}, "JR FFFFFF82", 2}};
+    for (const auto& c : cases) {
+        auto [text, size] = One(c.address, c.bytes);
+        EXPECT_EQ(text, c.text) << std::hex << c.address;
+        EXPECT_EQ(size, c.size) << c.text;
+    }
+}
+// clang-format on
+
+TEST_F(DisassembleTest, LinesCarryTheirAddressAndAreJoinedByCrLf) {
+    tm.Load(0x1000, {0x00, 0x3E, 0x05, 0x18, 0xFE, 0xC9}, false);
+    int32_t address = 0x1000;
+    EXPECT_EQ(Disassemble(tm.m(), address, 3, 1), " 1000 NOP\r\n 1001 LD A,05\r\n 1003 JR 1003");
+    EXPECT_EQ(address, 0x1005);
+    EXPECT_EQ(Disassemble(tm.m(), address, 1, 0), "RET");
+    EXPECT_EQ(address, 0x1006);
+    EXPECT_EQ(Disassemble(tm.m(), address, 0, 1), "");
+    EXPECT_EQ(address, 0x1006);
+}
+
+TEST_F(DisassembleTest, EveryRowOfTheTableComesBackFromItsBytes) {
+    const auto rows = test::InstructionRows();
+    EXPECT_EQ(rows.size(), 1268u);
+    for (const auto& row : rows) {
+        std::string expect = row.mnemonic;
+        auto fill = [&](const char* from, const char* to) {
+            if (size_t p = expect.find(from); p != std::string::npos)
+                expect.replace(p, std::string_view(from).size(), to);
+        };
+        fill("+d)", "+21)"), fill("nn", "3456"), fill("(n)", "(12)"), fill(",n", ",12");
+        fill(" n", " 12"), fill("(PC+e)", "2012");
+        if (row.hex == "DD36" || row.hex == "FD36")
+            expect = "LD I" + row.mnemonic.substr(5, 1) + "+21),12";
+        auto [text, size] = One(0x2000, row.bytes);
+        EXPECT_EQ(text, expect) << row.hex;
+        EXPECT_EQ(size, static_cast<int32_t>(row.bytes.size())) << row.hex;
+    }
+}
+
+TEST_F(DisassembleTest, AnyMemoryAtAnyAddressGivesOneToFourBytesALine) {
+    std::mt19937 rng(1234);
+    for (int32_t a = 0; a < 0x14000; ++a)
+        MemWrite(tm.m(), a, static_cast<int32_t>(rng() & 0xFF));
+    int32_t address = 0;
+    while (address < 0x10010) {
+        const int32_t before = address;
+        EXPECT_GT(Disassemble(tm.m(), address, 1, 1).size(), 6u) << before;
+        ASSERT_TRUE(address - before >= 1 && address - before <= 4) << before;
+    }
+    // Far outside memory the reads give 0xFF, which is RST 38H; the address
+    // arithmetic wraps instead of overflowing.
+    for (int32_t start : {0x3FFFE, 0x7FFFFFFE, -100}) {
+        address = start;
+        EXPECT_EQ(Disassemble(tm.m(), address, 1, 0), "RST 38H");
+        address = start;
+        Disassemble(tm.m(), address, 5, 1);
+        EXPECT_EQ(address, static_cast<int32_t>(static_cast<uint32_t>(start) + 5u)) << start;
+    }
+}
+
+TEST_F(DisassembleTest, AnEditedTableWithBrokenRowsNeverCrashes) {
+    const std::string broken = ">00\r\n>3E          LD A,(PC+e\r\n>06          PC+e\r\n"
+                               ">DD7E        LD A,(IX+d\r\n>01          nn n nn\r\n";
+    OpcodeTablesLoadText(tm.m(), broken, ">end of file\r\n", "\r\n");
+    const struct {
+        std::vector<uint8_t> bytes;
+        const char* text;
+    } cases[] = {{{0x00, 0x00}, ">00 Unknown!"},
+                 {{0x3E, 0x00}, "LD A,3002"},
+                 {{0x06, 0x00}, "3002"},
+                 {{0xDD, 0x7E, 0x05}, "LD A,(IX+05)"},
+                 {{0x01, 0x02, 0x03, 0x04}, "0302 04 nn"},
+                 {{0xC9}, ">C9 Unknown!"}};
+    for (const auto& c : cases)
+        EXPECT_EQ(One(0x3000, c.bytes).first, c.text);
+    OpcodeTablesLoad(tm.m());
+}
+
+} // namespace
+} // namespace tvc

@@ -1,0 +1,69 @@
+#include "asm/TextLib.h"
+
+#include <gtest/gtest.h>
+
+namespace tvc {
+namespace {
+
+constexpr auto kBin = TextCompare::Binary;
+constexpr auto kText = TextCompare::IgnoreCase;
+
+// clang-format off
+TEST(TextLib, HexIsZeroFilledAndNeverCut) {
+    const struct { int32_t value; const char *two, *four; } cases[] = {
+        {0, "00", "0000"}, {0x0A, "0A", "000A"}, {0xFF, "FF", "00FF"}, {0x100, "100", "0100"},
+        {0xFFFF, "FFFF", "FFFF"}, {0x10080, "10080", "10080"}, {-126, "FFFFFF82", "FFFFFF82"}};
+    for (const auto& c : cases) {
+        EXPECT_EQ(Hex2(c.value), c.two) << c.value;
+        EXPECT_EQ(Hex4(c.value), c.four) << c.value;
+    }
+}
+
+TEST(TextLib, SignedByteTakes256FromHalfwayOn) {
+    const std::pair<int32_t, int32_t> cases[] = {
+        {0, 0}, {127, 127}, {128, -128}, {255, -1}, {-5, -5}, {300, 44}};
+    for (auto [in, out] : cases) EXPECT_EQ(SignedByte(in), out) << in;
+}
+
+TEST(TextLib, HexToLongGivesZeroForAnythingBad) {
+    const std::pair<const char*, int32_t> cases[] = {
+        {"FF", 255}, {"ff", 255}, {"FFFF", 65535}, {"7FFFFFFF", 0x7FFFFFFF}, {"FFFFFFFF", -1},
+        {"000000012", 0x12}, {" 1A ", 0x1A}, {"", 0}, {"   ", 0}, {"G1", 0}, {"1 2", 0},
+        {"-1", 0}, {"&H10", 0}, {"$10", 0}, {"100000000", 0}, {"12,", 0}, {"\t12", 0}};
+    for (auto [in, out] : cases) EXPECT_EQ(HexToLong(in), out) << '"' << in << '"';
+}
+
+TEST(TextLib, SplitTextCutsAtEverySeparator) {
+    const struct { const char *text, *sep; int32_t count; TextCompare how;
+                   std::vector<std::string> out; } cases[] = {
+        {"1,2,3", ",", -1, kBin, {"1", "2", "3"}}, {"1,2,3", ",", 2, kBin, {"1", "2,3"}},
+        {"1,2,3", ",", 1, kBin, {"1,2,3"}},        {"1,2,3", ",", 0, kBin, {}},
+        {",a,", ",", -1, kBin, {"", "a", ""}},     {"", ",", -1, kBin, {}},
+        {"abc", "", -1, kBin, {"abc"}},            {"aXbxc", "x", -1, kBin, {"aXb", "c"}},
+        {"aXbxc", "x", -1, kText, {"a", "b", "c"}}, {"a::b", "::", -1, kBin, {"a", "b"}}};
+    for (const auto& c : cases)
+        EXPECT_EQ(SplitText(c.text, c.sep, c.count, c.how), c.out) << c.text << " " << c.count;
+}
+
+TEST(TextLib, ReplaceTextReturnsTheTextFromStartOn) {
+    const struct { const char *text, *find, *with; int32_t start, count; TextCompare how;
+                   const char* out; } cases[] = {
+        {"LD A,$FF", "$FF", "255", 1, -1, kBin, "LD A,255"}, {"aaa", "a", "bb", 1, -1, kBin, "bbbbbb"},
+        {"aaa", "a", "b", 1, 2, kBin, "bba"},  {"aaa", "a", "b", 1, 0, kBin, "aaa"},
+        {"abcabc", "a", "x", 2, -1, kBin, "bcxbc"}, {"abc", "a", "x", 0, -1, kBin, "xbc"},
+        {"abc", "a", "x", 4, -1, kBin, ""},   {"abc", "", "x", 1, -1, kBin, "abc"},
+        {"AbA", "a", "-", 1, -1, kBin, "AbA"}, {"AbA", "a", "-", 1, -1, kText, "-b-"},
+        {"aa", "a", "aa", 1, -1, kBin, "aaaa"}};
+    for (const auto& c : cases)
+        EXPECT_EQ(ReplaceText(c.text, c.find, c.with, c.start, c.count, c.how), c.out)
+            << c.text << " " << c.find << " " << c.start;
+}
+// clang-format on
+
+TEST(TextLib, WidenTextTurnsWindows1252IntoUtf8) {
+    EXPECT_EQ(WidenText("EX AF,AF\x92"), "EX AF,AF\u2019");
+    EXPECT_EQ(WidenText("\x80\xC1\xFF\x81"), "\u20AC\u00C1\u00FF\u0081");
+}
+
+} // namespace
+} // namespace tvc

@@ -1,0 +1,301 @@
+// The ED group: the cost table, the undefined rows, the 16-bit arithmetic
+// with its half-carry rule, the block instructions and their repetition
+// between interrupt samples, and the port instructions.
+#include "video/Crtc.h"
+#include "z80/CpuTest.h"
+
+namespace tvc::test {
+namespace {
+
+class EdGroup : public CpuTest {
+protected:
+    void SetUp() override {
+        CpuTest::SetUp();
+        cpu.SetHL(0x2000);
+        cpu.SetDE(0x3000);
+        cpu.SetBC(0x0070); // a port with no side effect for IN and OUT
+    }
+};
+
+TEST_F(EdGroup, CostsFollowTheTable) {
+    const struct {
+        std::vector<uint8_t> bytes;
+        int32_t t, r, len;
+    } rows[] = {
+        {{0xED, 0x40}, 12, 1, 2},             // IN B,(C)
+        {{0xED, 0x78}, 12, 1, 2},             // IN A,(C)
+        {{0xED, 0x41}, 12, 1, 2},             // OUT (C),B
+        {{0xED, 0x79}, 12, 1, 2},             // OUT (C),A
+        {{0xED, 0x42}, 15, 1, 2},             // SBC HL,BC
+        {{0xED, 0x72}, 15, 1, 2},             // SBC HL,SP
+        {{0xED, 0x4A}, 15, 1, 2},             // ADC HL,BC
+        {{0xED, 0x6A}, 15, 1, 2},             // ADC HL,HL
+        {{0xED, 0x7A}, 11, 1, 2},             // ADC HL,SP
+        {{0xED, 0x43, 0x00, 0x40}, 20, 2, 4}, // LD (nn),BC
+        {{0xED, 0x73, 0x00, 0x40}, 20, 2, 4}, // LD (nn),SP
+        {{0xED, 0x4B, 0x00, 0x40}, 20, 1, 4}, // LD BC,(nn)
+        {{0xED, 0x6B, 0x00, 0x40}, 20, 1, 4}, // LD HL,(nn)
+        {{0xED, 0x44}, 8, 1, 2},              // NEG
+        {{0xED, 0x46}, 8, 2, 2},              // IM 0
+        {{0xED, 0x56}, 8, 2, 2},              // IM 1
+        {{0xED, 0x5E}, 8, 2, 2},              // IM 2
+        {{0xED, 0x47}, 9, 0, 2},              // LD I,A
+        {{0xED, 0x57}, 9, 1, 2},              // LD A,I
+        {{0xED, 0x5F}, 9, 2, 2},              // LD A,R
+        {{0xED, 0x67}, 18, 5, 2},             // RRD
+        {{0xED, 0x6F}, 18, 5, 2},             // RLD
+        {{0xED, 0xA1}, 16, 0, 2},             // CPI
+        {{0xED, 0xA9}, 16, 0, 2},             // CPD
+        {{0xED, 0xA3}, 16, 0, 2},             // OUTI
+        {{0xED, 0xAB}, 16, 0, 2},             // OUTD
+    };
+    for (const auto& row : rows) {
+        SetUp();
+        const Cost c = Run(row.bytes);
+        EXPECT_EQ(c.t, row.t) << Hex(row.bytes);
+        EXPECT_EQ(c.r, row.r) << Hex(row.bytes);
+        EXPECT_EQ(c.len, row.len) << Hex(row.bytes);
+    }
+    EXPECT_EQ(UnknownOpcodes(), 0u);
+    EXPECT_TRUE(tm.host.messages.empty());
+}
+
+TEST_F(EdGroup, RetnAndRetiCostFourteenAndOnlyRetnCopiesIff2) {
+    for (uint8_t op : {0x45, 0x4D}) {
+        cpu.RegSP = 0xE000;
+        Poke(0xE000, 0x34);
+        Poke(0xE001, 0x12);
+        cpu.IFF1 = 0;
+        cpu.IFF2 = 1;
+        const Cost c = Run({0xED, op});
+        EXPECT_EQ(c.t, 14);
+        EXPECT_EQ(c.r, 1);
+        EXPECT_EQ(cpu.RegPC, 0x1234);
+        EXPECT_EQ(cpu.RegSP, 0xE002);
+        EXPECT_EQ(cpu.IFF1, op == 0x45 ? 1 : 0) << Hex({op});
+    }
+}
+
+// Rows the published processor defines but this one does not, and rows no
+// processor defines: the opcode byte is stepped over at no cost.
+TEST_F(EdGroup, UndefinedRowsAreSteppedOverWithoutCost) {
+    const uint8_t undefined[] = {0x70, 0x71, 0xA2, 0xAA, 0xB2, 0xBA, 0xB3, 0xBB, // no IN F, OUT 0, INI..OTDR
+                                 0x4C, 0x54, 0x55, 0x5D, 0x4E, 0x66, 0x76, 0x7E, // no duplicates
+                                 0x00, 0x3F, 0x77, 0x7F, 0x80, 0xA4, 0xC0, 0xFF};
+    for (uint8_t op : undefined) {
+        cpu.RegB = 0x55;
+        cpu.RegA = 0x66;
+        const int32_t flags = Flags();
+        const size_t unknown = UnknownOpcodes();
+        const Cost c = Run({0xED, op, 0x04}); // the byte after runs next: INC B
+        EXPECT_EQ(c.t, 0) << "ED " << Hex({op});
+        EXPECT_EQ(c.r, 0) << "ED " << Hex({op});
+        EXPECT_EQ(c.len, 2) << "ED " << Hex({op});
+        EXPECT_EQ(cpu.RegA, 0x66) << "ED " << Hex({op});
+        EXPECT_EQ(Flags(), flags) << "ED " << Hex({op});
+        EXPECT_EQ(UnknownOpcodes(), unknown + 1);
+        EXPECT_EQ(tm.host.label1.back(), "Unknown Opcode!");
+        Continue();
+        EXPECT_EQ(cpu.RegB, 0x56) << "ED " << Hex({op});
+    }
+}
+
+// ADC HL and SBC HL count the carry that comes out of the operation in the
+// 12-bit half-carry sum, not the one that went in.
+TEST_F(EdGroup, AdcAndSbcHlTakeTheNewCarryIntoTheHalfCarry) {
+    const struct {
+        uint8_t op; // ADC HL,BC or SBC HL,BC
+        int32_t hl, bc, carryIn, result, flags;
+    } rows[] = {
+        {0x4A, 0x0FFF, 0x0000, 1, 0x1000, 0},                // published: H = 1
+        {0x4A, 0xF0FF, 0x1F00, 0, 0x0FFF, fH | fC},          // published: H = 0
+        {0x4A, 0x7FFF, 0x0001, 0, 0x8000, fS | fH | fP},     // signed overflow
+        {0x4A, 0xFFFF, 0x0000, 1, 0x0000, fZ | fH | fC},
+        {0x42, 0x1000, 0x0000, 1, 0x0FFF, fN},               // published: H = 1
+        {0x42, 0x0000, 0x0001, 0, 0xFFFF, fS | fH | fN | fC},
+        {0x42, 0x8000, 0x0001, 0, 0x7FFF, fH | fP | fN},     // signed overflow
+        {0x42, 0x1234, 0x1233, 1, 0x0000, fZ | fN},
+    };
+    for (const auto& row : rows) {
+        cpu.SetHL(row.hl);
+        cpu.SetBC(row.bc);
+        cpu.SetFlagsByte(row.carryIn ? fC : 0);
+        Run({0xED, row.op});
+        EXPECT_EQ(cpu.HL(), row.result) << Hex({row.op}) << " " << row.hl << " " << row.bc;
+        EXPECT_EQ(Flags(), row.flags) << Hex({row.op}) << " " << row.hl << " " << row.bc;
+    }
+}
+
+TEST_F(EdGroup, LdRAThenLdARReadsBackTheValueAsItStood) {
+    cpu.RegA = 0x5A;
+    Run({0xED, 0x4F, 0xAF, 0xED, 0x5F}); // LD R,A; XOR A; LD A,R
+    EXPECT_EQ(cpu.RegR, 0x5A);           // the write step of LD R,A is 0
+    tm.Step();                           // XOR A: R 0x5B
+    tm.Step();                           // LD A,R takes R before its own step of 2
+    EXPECT_EQ(cpu.RegA, 0x5B);
+    EXPECT_EQ(cpu.RegR, 0x5D);
+}
+
+TEST_F(EdGroup, LdAICopiesIff2IntoP) {
+    for (int32_t iff2 : {0, 1}) {
+        cpu.RegI = 0x80;
+        cpu.IFF2 = iff2;
+        cpu.SetFlagsByte(fH | fN | fC);
+        Run({0xED, 0x57});
+        EXPECT_EQ(cpu.RegA, 0x80);
+        EXPECT_EQ(Flags(), fS | fC | (iff2 ? fP : 0));
+    }
+}
+
+// LDI and LDD pay 21 while BC is not zero afterwards, though they do not
+// repeat; LDIR and LDDR repeat by leaving RegPC on the ED byte.
+TEST_F(EdGroup, BlockMovesCostAndRepeat) {
+    const struct {
+        uint8_t op;
+        int32_t bc, t, len, step;
+    } rows[] = {
+        {0xA0, 2, 21, 2, 1}, {0xA0, 1, 16, 2, 1}, {0xA8, 2, 21, 2, -1}, {0xA8, 1, 16, 2, -1},
+        {0xB0, 2, 21, 0, 1}, {0xB0, 1, 16, 2, 1}, {0xB8, 2, 21, 0, -1}, {0xB8, 1, 16, 2, -1},
+        {0xB0, 0, 21, 0, 1}, // BC 0 wraps to 65535 and runs on
+    };
+    for (const auto& row : rows) {
+        cpu.SetHL(0x2000);
+        cpu.SetDE(0x3000);
+        cpu.SetBC(row.bc);
+        Poke(0x2000, 0xA5);
+        Poke(0x3000, 0);
+        cpu.SetFlagsByte(fH | fN | fS | fC);
+        const Cost c = Run({0xED, row.op});
+        EXPECT_EQ(c.t, row.t) << Hex({row.op}) << " BC " << row.bc;
+        EXPECT_EQ(c.r, 1);
+        EXPECT_EQ(c.len, row.len) << Hex({row.op}) << " BC " << row.bc;
+        EXPECT_EQ(Peek(0x3000), 0xA5);
+        EXPECT_EQ(cpu.HL(), 0x2000 + row.step);
+        EXPECT_EQ(cpu.DE(), 0x3000 + row.step);
+        EXPECT_EQ(cpu.BC(), (row.bc - 1) & 0xFFFF);
+        EXPECT_EQ(Flags(), fS | fC | (row.bc == 1 ? 0 : fP));
+    }
+}
+
+// A repeating instruction is one pass of the run loop per round, and an
+// interrupt is taken between rounds with the ED byte as return address.
+TEST_F(EdGroup, LdirRoundsAreSeparateInstructionsWithInterruptsBetween) {
+    for (int32_t i = 0; i < 4; ++i) Poke(0x2000 + i, 0x10 + i);
+    cpu.SetBC(4);
+    cpu.IntMode = 1;
+    const int32_t count0 = m.run.InstCount;
+    Run({0xED, 0xB0});
+    Continue();
+    EXPECT_EQ(m.run.InstCount - count0, 2);
+    EXPECT_EQ(cpu.RegPC, kOrg);
+    EXPECT_EQ(cpu.BC(), 2);
+
+    cpu.IFF1 = cpu.IFF2 = 1;
+    cpu.IrqRequest = 1;
+    Continue(); // round 3, then the interrupt
+    EXPECT_EQ(cpu.RegPC, 56);
+    EXPECT_EQ(cpu.BC(), 1);
+    EXPECT_EQ(Peek(cpu.RegSP) | Peek(cpu.RegSP + 1) << 8, kOrg);
+    EXPECT_EQ(Peek(0x3002), 0x12);
+    EXPECT_EQ(Peek(0x3003), 0x00);
+
+    Poke(56, 0xC9); // RET resumes the LDIR
+    cpu.IrqRequest = 0;
+    Continue();
+    const Cost last = Continue();
+    EXPECT_EQ(last.t, 16);
+    EXPECT_EQ(last.len, 2);
+    EXPECT_EQ(Peek(0x3003), 0x13);
+}
+
+TEST_F(EdGroup, CpirRepeatsUntilAMatchOrBcRunsOut) {
+    const uint8_t text[] = {1, 2, 3, 4, 5};
+    for (int i = 0; i < 5; ++i) Poke(0x2000 + i, text[i]);
+    cpu.RegA = 3;
+    cpu.SetBC(5);
+    cpu.SetFlagsByte(fC);
+    Cost c = Run({0xED, 0xB1});
+    EXPECT_EQ(c.t, 21);
+    EXPECT_EQ(c.r, 0);
+    EXPECT_EQ(c.len, 0);
+    c = Continue(2); // 2, then the match on 3
+    EXPECT_EQ(c.t, 21 + 16);
+    EXPECT_EQ(c.len, 2);
+    EXPECT_EQ(cpu.HL(), 0x2003);
+    EXPECT_EQ(cpu.BC(), 2);
+    EXPECT_EQ(Flags() & (fZ | fP | fN | fC), fZ | fP | fN | fC); // carry kept
+
+    cpu.SetHL(0x2000);
+    cpu.SetBC(2);
+    cpu.RegA = 9;
+    c = Run({0xED, 0xB1}, 2); // no match: ends when BC is 0
+    EXPECT_EQ(c.t, 21 + 16);
+    EXPECT_EQ(c.len, 2);
+    EXPECT_EQ(Flags() & (fZ | fP), 0);
+}
+
+TEST_F(EdGroup, CpiAndCpdTakeXAndYFromTheByteRead) {
+    Poke(0x2000, 0x28);
+    cpu.RegA = 0x28;
+    cpu.SetBC(1);
+    cpu.SetFlagsByte(0);
+    Run({0xED, 0xA1});
+    EXPECT_EQ(Flags(), fZ | fY | fX | fN);
+    EXPECT_EQ(cpu.HL(), 0x2001);
+    Poke(0x2001, 0x00);
+    cpu.SetBC(3);
+    Run({0xED, 0xA9});
+    EXPECT_EQ(Flags(), fP | fN);
+    EXPECT_EQ(cpu.HL(), 0x2000);
+}
+
+TEST_F(EdGroup, InReadsThePortInCAloneAndSetsFlags) {
+    m.crtc.CrtcReg[kCrtcSelect] = 14; // port 0x71 reads CRTC register 14
+    m.crtc.CrtcReg[14] = 0x00;
+    cpu.RegB = 0x12;
+    cpu.RegC = 0x71;
+    cpu.SetFlagsByte(fH | fN | fC);
+    Run({0xED, 0x50}); // IN D,(C)
+    EXPECT_EQ(cpu.RegD, 0);
+    EXPECT_EQ(Flags(), fZ | fP | fC);
+    m.crtc.CrtcReg[14] = 0x07;
+    Run({0xED, 0x78}); // IN A,(C)
+    EXPECT_EQ(cpu.RegA, 0x07);
+    EXPECT_EQ(Flags(), fC);
+}
+
+// OUT (C),r hands the port the register itself: a CRTC data write masks it.
+TEST_F(EdGroup, OutGivesThePortTheRegisterItself) {
+    m.crtc.CrtcReg[kCrtcSelect] = 4; // R4 keeps 7 bits
+    cpu.RegC = 0x71;
+    cpu.RegE = 0xFF;
+    Run({0xED, 0x59}); // OUT (C),E
+    EXPECT_EQ(m.crtc.CrtcReg[4], 0x7F);
+    EXPECT_EQ(cpu.RegE, 0x7F);
+
+    cpu.RegC = 0x03;
+    cpu.RegB = 0x09;
+    Run({0xED, 0x41}); // OUT (C),B: the port latch takes it
+    EXPECT_EQ(m.bus.PortLatch[3], 0x09);
+}
+
+TEST_F(EdGroup, OutiAndOutdSendHlAndCountB) {
+    Poke(0x2000, 0x0A);
+    Poke(0x1FFF, 0x0B);
+    cpu.RegC = 0x03;
+    cpu.RegB = 2;
+    Run({0xED, 0xA3}); // OUTI
+    EXPECT_EQ(m.bus.PortLatch[3], 0x0A);
+    EXPECT_EQ(cpu.HL(), 0x2001);
+    EXPECT_EQ(cpu.RegB, 1);
+    EXPECT_EQ(Flags() & (fZ | fN), fN);
+    cpu.SetHL(0x1FFF);
+    Run({0xED, 0xAB}); // OUTD with B = 1
+    EXPECT_EQ(m.bus.PortLatch[3], 0x0B);
+    EXPECT_EQ(cpu.HL(), 0x1FFE);
+    EXPECT_EQ(cpu.RegB, 0);
+    EXPECT_EQ(Flags() & (fZ | fN), fZ | fN);
+}
+
+} // namespace
+} // namespace tvc::test

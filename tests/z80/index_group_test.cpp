@@ -1,0 +1,405 @@
+// The index groups DD, FD, DDCB and FDCB: their separate cost tables, the
+// gated rows on the index halves, the undefined rows and the prefix chains,
+// the byte that runs after FDCB's SLL and after an undefined DDCB/FDCB row,
+// and the emulator's own FD opcodes.
+#include <set>
+
+#include "z80/CpuTest.h"
+
+namespace tvc::test {
+namespace {
+
+constexpr uint8_t DD = 0xDD, FD = 0xFD;
+
+// The index rows as published in the tables, for the undefined-row sweep.
+const std::set<int> kDocumented = {
+    0x09, 0x19, 0x29, 0x39, 0x21, 0x22, 0x23, 0x2A, 0x2B, 0x34, 0x35, 0x36, 0x46, 0x4E, 0x56,
+    0x5E, 0x66, 0x6E, 0x7E, 0x70, 0x71, 0x72, 0x73, 0x74, 0x75, 0x77, 0x86, 0x8E, 0x96, 0x9E,
+    0xA6, 0xAE, 0xB6, 0xBE, 0xE1, 0xE3, 0xE5, 0xE9, 0xF9, 0xCB};
+const std::set<int> kHalves = {
+    0x24, 0x25, 0x26, 0x2C, 0x2D, 0x2E, 0x44, 0x45, 0x4C, 0x4D, 0x54, 0x55, 0x5C, 0x5D, 0x60, 0x61,
+    0x62, 0x63, 0x64, 0x65, 0x67, 0x68, 0x69, 0x6A, 0x6B, 0x6C, 0x6D, 0x6F, 0x7C, 0x7D, 0x84, 0x85,
+    0x8C, 0x8D, 0x94, 0x95, 0x9C, 0x9D, 0xA4, 0xA5, 0xAC, 0xAD, 0xB4, 0xB5, 0xBC, 0xBD};
+const std::set<int> kOwnFd = {0xF0, 0xF1, 0xF2, 0xF3};
+
+class IndexGroup : public CpuTest {
+protected:
+    void SetUp() override {
+        CpuTest::SetUp();
+        cpu.RegIX = 0x2000;
+        cpu.RegIY = 0x2100;
+        cpu.SetHL(0x2200);
+        cpu.RegSP = 0xE000;
+    }
+};
+
+TEST_F(IndexGroup, DdAndFdCostsFollowTheirOwnTables) {
+    const struct {
+        std::vector<uint8_t> rest; // after the prefix
+        int32_t tDD, tFD, rDD, rFD, len;
+    } rows[] = {
+        {{0x09}, 15, 15, 1, 1, 1},             // ADD IX,BC
+        {{0x19}, 15, 15, 1, 1, 1},             // ADD IX,DE
+        {{0x29}, 15, 15, 1, 4, 1},             // ADD IX,IX
+        {{0x39}, 15, 15, 1, 4, 1},             // ADD IX,SP
+        {{0x21, 0x34, 0x12}, 19, 19, 1, 1, 3}, // LD IX,nn
+        {{0x22, 0x00, 0x40}, 20, 20, 2, 2, 3}, // LD (nn),IX
+        {{0x23}, 6, 6, 1, 1, 1},               // INC IX
+        {{0x2A, 0x00, 0x40}, 20, 20, 1, 1, 3}, // LD IX,(nn)
+        {{0x2B}, 6, 10, 1, 2, 1},              // DEC IX: 6 against DEC IY 10
+        {{0x34, 0x05}, 23, 23, 1, 2, 2},       // INC (IX+d)
+        {{0x35, 0x05}, 23, 23, 1, 2, 2},       // DEC (IX+d)
+        {{0x36, 0x05, 0x99}, 19, 19, 1, 1, 3}, // LD (IX+d),n
+        {{0x46, 0x05}, 19, 19, 1, 2, 2},       // LD B,(IX+d)
+        {{0x4E, 0x05}, 19, 19, 1, 2, 2},
+        {{0x56, 0x05}, 19, 19, 1, 2, 2},
+        {{0x5E, 0x05}, 19, 19, 1, 2, 2},
+        {{0x66, 0x05}, 19, 19, 2, 2, 2},       // LD H,(IX+d)
+        {{0x6E, 0x05}, 19, 19, 1, 2, 2},
+        {{0x7E, 0x05}, 19, 19, 2, 2, 2},       // LD A,(IX+d)
+        {{0x70, 0x05}, 19, 20, 1, 1, 2},       // LD (IX+d),r: 19 against 20
+        {{0x75, 0x05}, 19, 20, 1, 1, 2},
+        {{0x77, 0x05}, 19, 20, 1, 1, 2},
+        {{0x86, 0x05}, 19, 19, 1, 1, 2},       // ADD A,(IX+d)
+        {{0x8E, 0x05}, 19, 19, 1, 4, 2},       // ADC
+        {{0x96, 0x05}, 19, 19, 1, 1, 2},       // SUB
+        {{0x9E, 0x05}, 19, 19, 1, 5, 2},       // SBC
+        {{0xA6, 0x05}, 19, 19, 1, 1, 2},
+        {{0xBE, 0x05}, 19, 19, 1, 1, 2},       // CP
+        {{0xE1}, 10, 10, 1, 1, 1},             // POP IX
+        {{0xE3}, 23, 23, 2, 2, 1},             // EX (SP),IX
+        {{0xE5}, 15, 15, 1, 1, 1},             // PUSH IX
+        {{0xF9}, 10, 10, 2, 2, 1},             // LD SP,IX
+    };
+    for (uint8_t prefix : {DD, FD}) {
+        for (const auto& row : rows) {
+            SetUp();
+            std::vector<uint8_t> bytes{prefix};
+            for (uint8_t b : row.rest) bytes.push_back(b);
+            const Cost c = Run(bytes);
+            EXPECT_EQ(c.t, prefix == DD ? row.tDD : row.tFD) << Hex(bytes);
+            EXPECT_EQ(c.r, prefix == DD ? row.rDD : row.rFD) << Hex(bytes);
+            EXPECT_EQ(c.len, 1 + row.len) << Hex(bytes);
+        }
+    }
+    EXPECT_EQ(UnknownOpcodes(), 0u);
+}
+
+TEST_F(IndexGroup, JpIndexJumpsForEightTStates) {
+    for (uint8_t prefix : {DD, FD}) {
+        const Cost c = Run({prefix, 0xE9});
+        EXPECT_EQ(c.t, 8);
+        EXPECT_EQ(c.r, 1);
+        EXPECT_EQ(cpu.RegPC, prefix == DD ? 0x2000 : 0x2100);
+    }
+}
+
+// The 46 rows on the halves: 8 T-states (11 for the immediate loads) and a
+// RegR step of 2 while UndocEnabled is 1; stepped over at no cost otherwise.
+TEST_F(IndexGroup, HalfRowsAreGatedByUndocEnabled) {
+    for (uint8_t prefix : {DD, FD}) {
+        for (int32_t undoc : {1, 0}) {
+            for (int op : kHalves) {
+                SetUp();
+                cpu.UndocEnabled = undoc;
+                const bool immediate = op == 0x26 || op == 0x2E;
+                const size_t unknown = UnknownOpcodes();
+                const Cost c = Run({prefix, uint8_t(op), 0x00});
+                const std::string what = Hex({prefix, uint8_t(op)}) + (undoc ? " undoc" : " doc");
+                EXPECT_EQ(c.t, undoc ? (immediate ? 11 : 8) : 0) << what;
+                EXPECT_EQ(c.r, undoc ? 2 : 0) << what;
+                EXPECT_EQ(c.len, undoc && immediate ? 3 : 2) << what;
+                EXPECT_EQ(UnknownOpcodes(), unknown + (undoc ? 0 : 1)) << what;
+            }
+        }
+    }
+    EXPECT_TRUE(tm.host.messages.empty());
+}
+
+// Every row the tables do not list: the second byte is stepped over at no
+// cost, with "Unknown Opcode!", and the byte after it runs as a new
+// instruction. This takes in DD DD, DD FD, DD ED and DD 40.
+TEST_F(IndexGroup, UndefinedRowsStepOverTheSecondByteOnly) {
+    for (uint8_t prefix : {DD, FD}) {
+        for (int op = 0; op < 256; ++op) {
+            if (kDocumented.count(op) || kHalves.count(op) || (prefix == FD && kOwnFd.count(op)))
+                continue;
+            SetUp();
+            cpu.RegB = 0x41;
+            const size_t unknown = UnknownOpcodes();
+            const Cost c = Run({prefix, uint8_t(op), 0x04}); // then INC B
+            const std::string what = Hex({prefix, uint8_t(op)});
+            EXPECT_EQ(c.t, 0) << what;
+            EXPECT_EQ(c.r, 0) << what;
+            EXPECT_EQ(c.len, 2) << what;
+            EXPECT_EQ(cpu.PrefixState, 0) << what;
+            EXPECT_EQ(UnknownOpcodes(), unknown + 1) << what;
+            EXPECT_EQ(cpu.RegB, 0x41) << what;
+            Continue();
+            EXPECT_EQ(cpu.RegB, 0x42) << what;
+        }
+    }
+    EXPECT_EQ(tm.host.label1.back(), "Unknown Opcode!");
+    EXPECT_TRUE(tm.host.fatals.empty());
+}
+
+TEST_F(IndexGroup, PrefixesDoNotChain) {
+    // DD DD 21 nn: the second DD is stepped over, then LD HL,nn runs plain.
+    Run({DD, DD, 0x21, 0x34, 0x12});
+    EXPECT_EQ(cpu.RegPC, kOrg + 2);
+    tm.Step();
+    EXPECT_EQ(cpu.HL(), 0x1234);
+    EXPECT_EQ(cpu.RegIX, 0x2000);
+    // DD ED 44: no NEG; the 44 runs as LD B,H.
+    cpu.RegA = 1;
+    Run({DD, 0xED, 0x44}, 2);
+    EXPECT_EQ(cpu.RegA, 1);
+    EXPECT_EQ(cpu.RegB, 0x12);
+    // DD 40 costs nothing and runs nothing.
+    const Cost c = Run({DD, 0x40});
+    EXPECT_EQ(c.t, 0);
+    EXPECT_EQ(c.len, 2);
+}
+
+TEST_F(IndexGroup, IndexedOperandsUseTheSignedDisplacement) {
+    for (uint8_t prefix : {DD, FD}) {
+        const int32_t base = prefix == DD ? 0x2000 : 0x2100;
+        Poke(base - 2, 0x5A);
+        Run({prefix, 0x7E, 0xFE}); // LD A,(IX-2)
+        EXPECT_EQ(cpu.RegA, 0x5A);
+        Run({prefix, 0x36, 0x7F, 0x77}); // LD (IX+127),77
+        EXPECT_EQ(Peek(base + 127), 0x77);
+        Poke(base + 5, 0x7F);
+        Run({prefix, 0x34, 0x05}); // INC (IX+5)
+        EXPECT_EQ(Peek(base + 5), 0x80);
+        EXPECT_EQ(Flags() & (fS | fP | fN), fS | fP);
+        Poke(base + 5, 0x44);
+        Run({prefix, 0x66, 0x05}); // LD H,(IX+5) loads H itself
+        EXPECT_EQ(cpu.RegH, 0x44);
+        Run({prefix, 0x74, 0x06}); // LD (IX+6),H stores H itself
+        EXPECT_EQ(Peek(base + 6), 0x44);
+        cpu.RegA = 0x10;
+        Run({prefix, 0x96, 0x05}); // SUB (IX+5)
+        EXPECT_EQ(cpu.RegA, 0xCC);
+    }
+}
+
+TEST_F(IndexGroup, HalvesAreTheHighAndLowBytesOfTheIndexRegister) {
+    cpu.RegIX = 0x1234;
+    Run({DD, 0x26, 0xAB}); // LD IXH,AB
+    EXPECT_EQ(cpu.RegIX, 0xAB34);
+    Run({DD, 0x65});       // LD IXH,IXL
+    EXPECT_EQ(cpu.RegIX, 0x3434);
+    cpu.RegIY = 0x00FF;
+    Run({FD, 0x2C});       // INC IYL
+    EXPECT_EQ(cpu.RegIY, 0x0000);
+    EXPECT_EQ(Flags() & (fZ | fH), fZ | fH);
+    Run({FD, 0x25});       // DEC IYH
+    EXPECT_EQ(cpu.RegIY, 0xFF00);
+    cpu.RegA = 0x01;
+    Run({FD, 0x84});       // ADD A,IYH
+    EXPECT_EQ(cpu.RegA, 0x00);
+    EXPECT_EQ(Flags() & (fZ | fC), fZ | fC);
+    cpu.RegE = 0x77;
+    Run({DD, 0x6B});       // LD IXL,E
+    EXPECT_EQ(cpu.RegIX, 0x3477);
+    Run({DD, 0x7C});       // LD A,IXH
+    EXPECT_EQ(cpu.RegA, 0x34);
+    EXPECT_EQ(cpu.HL(), 0x2200); // H and L untouched throughout
+}
+
+// ADD IY takes its half carry from RegIX, whatever RegIY holds.
+TEST_F(IndexGroup, AddIyTakesItsHalfCarryFromIx) {
+    const struct {
+        uint8_t prefix;
+        int32_t ix, iy, bc, result, h;
+    } rows[] = {
+        {DD, 0x0FFF, 0x0000, 0x0001, 0x1000, 1},
+        {FD, 0x0FFF, 0x0000, 0x0001, 0x0001, 1},
+        {FD, 0x0000, 0x0FFF, 0x0001, 0x1000, 0},
+        {FD, 0x0000, 0xFFFF, 0x0001, 0x0000, 0},
+    };
+    for (const auto& row : rows) {
+        cpu.RegIX = row.ix;
+        cpu.RegIY = row.iy;
+        cpu.SetBC(row.bc);
+        cpu.SetFlagsByte(fS | fZ | fP | fN);
+        Run({row.prefix, 0x09});
+        EXPECT_EQ(row.prefix == DD ? cpu.RegIX : cpu.RegIY, row.result);
+        const int32_t carry = (row.prefix == DD ? row.ix : row.iy) + row.bc > 0xFFFF;
+        EXPECT_EQ(Flags(), fS | fZ | fP | (row.h ? fH : 0) | (carry ? fC : 0))
+            << Hex({row.prefix}) << " IX " << row.ix << " IY " << row.iy;
+    }
+}
+
+TEST_F(IndexGroup, StackAndSixteenBitRows) {
+    cpu.RegIX = 0xBEEF;
+    Run({DD, 0xE5});             // PUSH IX
+    EXPECT_EQ(cpu.RegSP, 0xDFFE);
+    Run({FD, 0xE1});             // POP IY
+    EXPECT_EQ(cpu.RegIY, 0xBEEF);
+    Poke(0xE000, 0x34);
+    Poke(0xE001, 0x12);
+    Run({FD, 0xE3});             // EX (SP),IY
+    EXPECT_EQ(cpu.RegIY, 0x1234);
+    EXPECT_EQ(Peek(0xE000) | Peek(0xE001) << 8, 0xBEEF);
+    Run({DD, 0x22, 0x00, 0x40}); // LD (4000),IX
+    Run({FD, 0x2A, 0x00, 0x40}); // LD IY,(4000)
+    EXPECT_EQ(cpu.RegIY, 0xBEEF);
+    Run({FD, 0xF9});             // LD SP,IY
+    EXPECT_EQ(cpu.RegSP, 0xBEEF);
+    cpu.RegIX = 0;
+    Run({DD, 0x2B});             // DEC IX wraps
+    EXPECT_EQ(cpu.RegIX, 0xFFFF);
+    Run({DD, 0x23});
+    EXPECT_EQ(cpu.RegIX, 0);
+}
+
+TEST_F(IndexGroup, DdcbAndFdcbCostsFollowTheirOwnTables) {
+    const struct {
+        uint8_t op;
+        int32_t tDD, tFD, rDD, rFD;
+    } rows[] = {
+        {0x06, 23, 20, 1, 1}, // RLC
+        {0x0E, 23, 23, 1, 6}, // RRC: FDCB steps R by 6
+        {0x16, 23, 23, 1, 1}, // RL
+        {0x1E, 23, 23, 1, 1}, // RR
+        {0x26, 6, 23, 1, 1},  // SLA
+        {0x2E, 6, 23, 1, 1},  // SRA
+        {0x3E, 6, 23, 1, 1},  // SRL
+        {0x46, 20, 20, 1, 1}, // BIT 0
+        {0x7E, 20, 20, 1, 1}, // BIT 7
+        {0x86, 23, 20, 1, 1}, // RES 0
+        {0xBE, 23, 20, 1, 1}, // RES 7
+        {0xC6, 23, 20, 1, 1}, // SET 0
+        {0xFE, 23, 20, 1, 1}, // SET 7
+    };
+    for (uint8_t prefix : {DD, FD}) {
+        for (const auto& row : rows) {
+            const Cost c = Run({prefix, 0xCB, 0x03, row.op});
+            EXPECT_EQ(c.t, prefix == DD ? row.tDD : row.tFD) << Hex({prefix, 0xCB, row.op});
+            EXPECT_EQ(c.r, prefix == DD ? row.rDD : row.rFD) << Hex({prefix, 0xCB, row.op});
+            EXPECT_EQ(c.len, 4) << Hex({prefix, 0xCB, row.op});
+        }
+    }
+    EXPECT_EQ(UnknownOpcodes(), 0u);
+}
+
+TEST_F(IndexGroup, IndexedBitRowsWorkOnTheDisplacedByte) {
+    Poke(0x2000 - 3, 0x81);
+    cpu.SetFlagsByte(0);
+    Run({DD, 0xCB, 0xFD, 0x06}); // RLC (IX-3)
+    EXPECT_EQ(Peek(0x1FFD), 0x03);
+    EXPECT_EQ(Flags(), fP | fC);
+    Poke(0x2104, 0x00);
+    Run({FD, 0xCB, 0x04, 0xDE}); // SET 3,(IY+4)
+    EXPECT_EQ(Peek(0x2104), 0x08);
+    Run({FD, 0xCB, 0x04, 0x5E}); // BIT 3,(IY+4) only reads
+    EXPECT_EQ(Flags() & (fZ | fH | fN), fH);
+    Run({FD, 0xCB, 0x04, 0x9E}); // RES 3,(IY+4)
+    EXPECT_EQ(Peek(0x2104), 0x00);
+}
+
+// SLL (IX+d): the result goes to memory and to the register of the low three
+// bits. In FDCB it moves RegPC only 2, so the last byte runs on its own.
+TEST_F(IndexGroup, SllRowsWriteTheRegisterAndFdcbRunsItsLastByte) {
+    Poke(0x2002, 0x40);
+    Cost c = Run({DD, 0xCB, 0x02, 0x30}); // SLL (IX+2),B
+    EXPECT_EQ(Peek(0x2002), 0x81);
+    EXPECT_EQ(cpu.RegB, 0x81);
+    EXPECT_EQ(c.t, 23);
+    EXPECT_EQ(c.len, 4);
+    cpu.RegB = 0;
+    Run({DD, 0xCB, 0x02, 0x36}); // SLL (IX+2): memory only
+    EXPECT_EQ(Peek(0x2002), 0x03);
+    EXPECT_EQ(cpu.RegB, 0);
+
+    Poke(0x2102, 0x01);
+    c = Run({FD, 0xCB, 0x02, 0x36, 0x5A}); // then 36 5A: LD (HL),5A
+    EXPECT_EQ(c.t, 23);
+    EXPECT_EQ(c.r, 1);
+    EXPECT_EQ(c.len, 3);
+    EXPECT_EQ(Peek(0x2102), 0x03);
+    Continue();
+    EXPECT_EQ(Peek(0x2200), 0x5A);
+    EXPECT_EQ(cpu.RegPC, kOrg + 5);
+
+    cpu.UndocEnabled = 0;
+    Poke(0x2002, 0x40);
+    c = Run({DD, 0xCB, 0x02, 0x37}); // gated off: undefined
+    EXPECT_EQ(c.t, 0);
+    EXPECT_EQ(c.len, 3);
+    EXPECT_EQ(Peek(0x2002), 0x40);
+}
+
+// After an undefined DDCB row RegPC stands on the opcode byte, after an
+// undefined FDCB row on the displacement; that byte runs as a base opcode.
+TEST_F(IndexGroup, UndefinedDdcbAndFdcbRowsFallThrough) {
+    for (uint8_t prefix : {DD, FD}) {
+        for (int op = 0; op < 256; ++op) {
+            if ((op & 7) == 6 || (op >= 0x30 && op <= 0x37)) continue;
+            cpu.RegB = cpu.RegC = 0x10;
+            const size_t unknown = UnknownOpcodes();
+            const std::vector<uint8_t> bytes{prefix, 0xCB, 0x0C, uint8_t(op)}; // 0C: INC C
+            Poke(0x2000 + 0x0C, 0x99);
+            Poke(0x2100 + 0x0C, 0x99);
+            const Cost c = Run(bytes);
+            EXPECT_EQ(c.t, 0) << Hex(bytes);
+            EXPECT_EQ(c.r, 0) << Hex(bytes);
+            EXPECT_EQ(c.len, prefix == DD ? 3 : 2) << Hex(bytes);
+            EXPECT_EQ(UnknownOpcodes(), unknown + 1) << Hex(bytes);
+            EXPECT_EQ(Peek(prefix == DD ? 0x200C : 0x210C), 0x99) << Hex(bytes);
+            if (prefix == FD) {
+                Continue();
+                EXPECT_EQ(cpu.RegC, 0x11) << Hex(bytes);
+                EXPECT_EQ(cpu.RegPC, kOrg + 3);
+            }
+        }
+    }
+    // DD CB d 04: the 04 then runs as INC B.
+    cpu.RegB = 1;
+    Run({DD, 0xCB, 0x00, 0x04}, 2);
+    EXPECT_EQ(cpu.RegB, 2);
+    EXPECT_EQ(cpu.RegPC, kOrg + 4);
+}
+
+TEST_F(IndexGroup, OwnFdOpcodesRaiseLinesAndStopTheRun) {
+    // F0 without interrupts enabled: nothing.
+    Cost c = Run({FD, 0xF0});
+    EXPECT_EQ(c.t, 0);
+    EXPECT_EQ(c.r, 0);
+    EXPECT_EQ(c.len, 2);
+    EXPECT_EQ(cpu.IrqRequest, 0);
+    // F0 with IFF1 = 1: the interrupt is taken after it.
+    cpu.IFF1 = cpu.IFF2 = 1;
+    cpu.IntMode = 1;
+    Run({FD, 0xF0});
+    EXPECT_EQ(cpu.IrqRequest, 1);
+    EXPECT_EQ(cpu.RegPC, 56);
+    EXPECT_EQ(Peek(cpu.RegSP) | Peek(cpu.RegSP + 1) << 8, kOrg + 2);
+    EXPECT_TRUE(tm.host.beeps.empty());
+    cpu.IrqRequest = 0;
+
+    Run({FD, 0xF1});
+    EXPECT_EQ(cpu.NmiRequest, 1);
+    EXPECT_EQ(cpu.RegPC, 102);
+    ASSERT_EQ(tm.host.beeps.size(), 1u);
+    EXPECT_EQ(tm.host.beeps.back(), std::make_pair(600, 500));
+
+    m.run.RunFlag = 1;
+    cpu.NmiRequest = 0;
+    c = Run({FD, 0xF3});
+    EXPECT_EQ(m.run.RunFlag, 0);
+    EXPECT_EQ(c.t, 0);
+    EXPECT_EQ(c.len, 2);
+    EXPECT_EQ(tm.host.beeps.back(), std::make_pair(600, 200));
+
+    Run({FD, 0xF2});
+    EXPECT_EQ(cpu.RegPC, 0); // reset
+    EXPECT_EQ(cpu.ResetRequest, 0);
+    EXPECT_EQ(tm.host.beeps.back(), std::make_pair(600, 500));
+    EXPECT_EQ(tm.host.beeps.size(), 3u);
+}
+
+} // namespace
+} // namespace tvc::test

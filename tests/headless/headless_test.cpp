@@ -52,6 +52,10 @@ TEST(Headless, UsageAndExitCodes) {
         {"--poke 0x10000=1", 2, "--poke takes"},
         {"--dump-mem 0:10", 2, "--dump-mem takes"},
         {"--steps 1 --frames 1", 2, "cannot be combined"},
+        {"--steps 1 --type x", 2, "cannot be combined with --steps"},
+        {"--type 'A\xC2\xA7'", 2, "--type: no key types"}, // a character without a key
+        {"--type-after -1", 2, "--type-after takes"},
+        {"--cart ''", 2, "--cart takes a file name"},
         {"--dir " + dir.path().string() + " --steps 1", 3, "Rom File error: "},
     };
     for (const auto& k : cases) {
@@ -113,6 +117,27 @@ TEST(Headless, RegistersSetByNameAndFramesRun) {
 
     const Result bad = RunHeadless("--dir " + dir.path().string() + " --reg RegQ=1");
     EXPECT_EQ(bad.status, 2);
+}
+
+// Typing makes the run last until the text is typed and 50 frames more, or
+// --frames, whichever is later.
+TEST(Headless, TypingLengthensTheRun) {
+    ScratchDir dir;
+    WriteRomSet(dir);
+    const std::string d = "--dir " + dir.path().string() + " --dump-regs - ";
+    const struct {
+        std::string args;
+        long frames;
+    } cases[] = {
+        {"--frames 1 --type ab", 100 + 2 * 6 + 50},
+        {"--type a --type-after 0", 6 + 50},
+        {"--frames 500 --type ab", 500},
+    };
+    for (const auto& k : cases) {
+        const Result r = RunHeadless(d + k.args);
+        ASSERT_EQ(r.status, 0) << r.out;
+        EXPECT_EQ(JsonValue(r.out, "FrameCount"), k.frames) << k.args;
+    }
 }
 
 } // namespace

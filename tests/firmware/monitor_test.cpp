@@ -1,0 +1,275 @@
+// The built-in monitor ROM, run end to end through tvc-headless: start-up,
+// the commands, bad input, the test pictures and the cartridge start.
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <iterator>
+
+#include "firmware/MonitorRun.h"
+#include "hw/MachineSetup.h"
+#include "support/TestMachine.h"
+
+namespace tvc::test {
+namespace {
+
+std::string Slurp(const std::filesystem::path& file) {
+    std::ifstream in(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+// Runs the monitor with these options and returns its text screen.
+std::vector<std::string> Screen(const ScratchDir& dir, const std::string& args) {
+    const std::string shot = (dir.path() / "shot.png").string();
+    const RunResult r = RunMonitor(args + " --screenshot " + shot);
+    EXPECT_EQ(r.status, 0) << r.out;
+    const Shot s(shot);
+    EXPECT_TRUE(s.ok);
+    if (!s.ok) return std::vector<std::string>(kRows);
+    return ScreenText(s);
+}
+
+TEST(Monitor, RomFilesHaveTheSizesTheLoaderReads) {
+    for (const RomFile& f : kRomFiles) {
+        const auto path = std::filesystem::path(TVC_FIRMWARE_DIR) / f.name;
+        ASSERT_TRUE(std::filesystem::exists(path)) << f.name;
+        EXPECT_EQ(std::filesystem::file_size(path), uintmax_t(f.bytesRead)) << f.name;
+    }
+    // Both sets hold the same monitor: 1.2 as D4 + D3, 2.2 as D6 + D4.
+    const std::filesystem::path d(TVC_FIRMWARE_DIR);
+    EXPECT_EQ(Slurp(d / "TVC12_D4.rom"), Slurp(d / "TVC22_D6.rom"));
+    EXPECT_EQ(Slurp(d / "TVC12_D3.rom"), Slurp(d / "TVC22_D4.rom"));
+}
+
+// The start-up screen within 2 emulated seconds, compared pixel by pixel
+// with the expected text drawn in the monitor's font. Only the cursor's
+// cell, which blinks, is left out.
+TEST(Monitor, BootsToThePromptWithinTwoSeconds) {
+    ScratchDir dir;
+    const std::string shot = (dir.path() / "boot.png").string();
+    const RunResult r = RunMonitor("--frames 100 --screenshot " + shot);
+    ASSERT_EQ(r.status, 0) << r.out;
+    const Shot s(shot);
+    ASSERT_TRUE(s.ok);
+    ASSERT_EQ(s.width, 640);
+    ASSERT_EQ(s.height, 576);
+
+    const std::vector<std::string> want = {
+        "TVMON 1.0 system monitor, 64K RAM",
+        "Type HELP for the list of commands.",
+        "> ",
+    };
+    const int cursorRow = 2, cursorCol = 2;
+    int wrong = 0;
+    for (int row = 0; row < kRows; ++row)
+        for (int col = 0; col < kCols; ++col) {
+            if (row == cursorRow && col == cursorCol) continue;
+            const std::string& text = row < int(want.size()) ? want[row] : std::string();
+            const char ch = col < int(text.size()) ? text[col] : ' ';
+            const firmware::Glyph& g = MonitorFont().Of(ch);
+            for (int line = 0; line < firmware::kGlyphLines; ++line)
+                for (int px = 0; px < 8; ++px) {
+                    const bool lit = (g[line] >> (7 - px)) & 1;
+                    if (TextPixel(s, col * 8 + px, row * firmware::kGlyphLines + line) != lit)
+                        ++wrong;
+                }
+        }
+    EXPECT_EQ(wrong, 0) << Joined(ScreenText(s));
+}
+
+TEST(Monitor, BannerNamesTheRamFoundInEitherRomSet) {
+    const struct {
+        const char* sets;
+        const char* banner;
+    } cases[] = {
+        {"", "TVMON 1.0 system monitor, 64K RAM"},
+        {"--set x32KB=1", "TVMON 1.0 system monitor, 32K RAM"},
+        {"--set xBasic=1", "TVMON 1.0 system monitor, 64K RAM"},
+        {"--set xBasic=1 --set x32KB=1", "TVMON 1.0 system monitor, 32K RAM"},
+    };
+    for (const auto& k : cases) {
+        ScratchDir dir;
+        const auto rows = Screen(dir, std::string("--frames 100 ") + k.sets);
+        EXPECT_EQ(rows[0], k.banner) << k.sets << "\n" << Joined(rows);
+        EXPECT_EQ(rows[2], ">") << k.sets; // rows are read without trailing blanks
+    }
+}
+
+TEST(Monitor, HelpListsTheCommands) {
+    ScratchDir dir;
+    const auto rows = Screen(dir, "--frames 1 --type 'HELP\\n'");
+    EXPECT_EQ(rows[2], "> HELP");
+    EXPECT_EQ(rows[3], "Commands (numbers are hexadecimal):");
+    std::string listed;
+    for (int r = 4; r < 12; ++r) listed += rows[r].substr(0, 8) + "|";
+    EXPECT_EQ(listed, "  HELP  |  CLS   |  MEM [a|  POKE a|  GO add|  BEEP  |  COLOR |  MODE 2|")
+        << Joined(rows);
+    EXPECT_EQ(rows[12], ">");
+}
+
+// POKE a program that stores a byte, GO runs it, MEM shows the byte; the
+// memory dump confirms it. Small letters work as well as capitals.
+TEST(Monitor, PokeGoAndMemRoundTrip) {
+    ScratchDir dir;
+    const std::string mem = (dir.path() / "mem.bin").string();
+    // LD A,0x5A; LD (0x5000),A; LD HL,0x5001; INC (HL); RET
+    const auto rows = Screen(dir, "--frames 1 --type 'poke 4000 3E 5A 32 00 50 21 01 50 34 c9\\n"
+                                  "GO 4000\\nMEM 5000\\nmem\\n' --dump-mem 0x5000:2:" + mem);
+    EXPECT_EQ(Slurp(mem), std::string("\x5A\x01", 2));
+    EXPECT_EQ(rows[5], "5000  5A 01 00 00 00 00 00 00  Z.......") << Joined(rows);
+    EXPECT_EQ(rows[12], "5038  00 00 00 00 00 00 00 00  ........");
+    EXPECT_EQ(rows[14], "5040  00 00 00 00 00 00 00 00  ........") << "MEM goes on";
+}
+
+TEST(Monitor, BadInputPrintsAnErrorAndReturnsToThePrompt) {
+    const struct {
+        const char* line;
+        const char* error;
+    } cases[] = {
+        {"FROB", "? Unknown command"},
+        {"HELPME", "? Unknown command"},
+        {"MEM 12345", "? Bad number"},
+        {"MEM 4G", "? Bad number"},
+        {"POKE 4000", "? Missing argument"},
+        {"POKE 4000 1 100", "? Bad number"},
+        {"GO", "? Missing argument"},
+        {"CLS 1", "? Too many arguments"},
+        {"COLOR 10", "? Bad number"},
+        {"MODE 8", "? Bad number"},
+        {"ABCDEFGHIJKLMNOPQRSTUVWXYZABCDEFGHIJKLMNOPQRSTUVWXYZABCDEFGHIJKLMNOP",
+         "? Line too long"},
+    };
+    std::string typed;
+    for (const auto& k : cases) typed += std::string(k.line) + "\\n";
+    ScratchDir dir;
+    const std::string mem = (dir.path() / "mem.bin").string();
+    const auto rows = Screen(dir, "--frames 1 --type '" + typed + "' --dump-mem 0x4000:1:" + mem);
+    // The banner has scrolled away: the last line is the prompt, and above it
+    // each command and its error.
+    const int n = int(std::size(cases));
+    ASSERT_EQ(rows[kRows - 1], ">") << Joined(rows);
+    for (int i = 0; i < n; ++i) {
+        const int at = kRows - 1 - 2 * (n - i);
+        EXPECT_EQ(rows[at + 1], cases[i].error) << cases[i].line << "\n" << Joined(rows);
+    }
+    EXPECT_EQ(Slurp(mem), std::string(1, '\0')) << "a refused POKE stores nothing";
+}
+
+// Backspace takes back the last character, and characters typed past the
+// end of the line first of all.
+TEST(Monitor, BackspaceEditsTheLine) {
+    ScratchDir dir;
+    const std::string tooLong(64, 'X');
+    const auto rows = Screen(dir, "--frames 1 --type 'HELX\\bP\\n" + tooLong +
+                                      "\\b\\b\\b\\n'");
+    EXPECT_EQ(rows[2], "> HELP");
+    EXPECT_EQ(rows[12], "> " + std::string(61, 'X')) << Joined(rows);
+    EXPECT_EQ(rows[13], "? Unknown command") << "the hidden characters taken back, the line is run";
+}
+
+// Every character of the layout, typed through --type, comes out on the
+// screen: the runner and the ROM read the same key table.
+TEST(Monitor, EveryPrintableCharacterCanBeTyped) {
+    std::string all;
+    for (char c = 0x21; c < 0x7F; ++c) all += c;
+    const std::string first = all.substr(0, 47), second = all.substr(47);
+    std::string typed;
+    for (const std::string& part : {first, second}) {
+        for (char c : part) {
+            if (c == '\'') typed += "'\\''"; // through the shell's single quotes
+            else if (c == '\\') typed += "\\\\";
+            else typed += c;
+        }
+        typed += "\\n";
+    }
+    ScratchDir dir;
+    const auto rows = Screen(dir, "--frames 1 --type '" + typed + "'");
+    EXPECT_EQ(rows[2], "> " + first) << Joined(rows);
+    EXPECT_EQ(rows[4], "> " + second) << Joined(rows);
+}
+
+TEST(Monitor, ColorSetsTextPaperAndBorder) {
+    ScratchDir dir;
+    const std::string shot = (dir.path() / "c.png").string();
+    // Colour numbers: 1 blue, 2 red, 4 green, 8 bright.
+    const RunResult r = RunMonitor("--frames 1 --type 'COLOR E 0 A\\n' --screenshot " + shot);
+    ASSERT_EQ(r.status, 0) << r.out;
+    const Shot s(shot);
+    ASSERT_TRUE(s.ok);
+    EXPECT_EQ(s.At(10, 10), 0xFF0000u) << "border: bright red";
+    EXPECT_EQ(s.At(kPicLeft + 300, kPicTop + 400), 0x000000u) << "paper: black";
+    // The 'T' of the banner: its top bar, in bright yellow (two-colour levels).
+    EXPECT_EQ(s.At(kPicLeft + 2, kPicTop + 2), 0xF8E000u);
+}
+
+// MODE shows its test picture until a key is pressed, then the text screen
+// comes back cleared.
+TEST(Monitor, ModeShowsATestPictureInEachMode) {
+    struct Probe {
+        int x, y; // window pixels
+        uint32_t rgb;
+    };
+    const struct {
+        const char* mode;
+        std::vector<Probe> probes;
+    } cases[] = {
+        {"2", {{64, 48, 0xF8E0FE}, {64 + 16, 48, 0x00007F}, {64, 48 + 16, 0x00007F}}},
+        {"4", {{64 + 64, 200, 0x000000}, {64 + 192, 200, 0xFE0000}, {64 + 320, 200, 0x00FE00},
+               {64 + 448, 200, 0x0000FE}}},
+        {"16", {{64 + 16, 200, 0x000000}, {64 + 144, 200, 0x008000}, {64 + 304, 200, 0x0000FF},
+                {64 + 336, 200, 0xFF0000}, {64 + 496, 200, 0xFFFFFF}}},
+    };
+    for (const auto& k : cases) {
+        ScratchDir dir;
+        const std::string shot = (dir.path() / "m.png").string();
+        const RunResult r =
+            RunMonitor(std::string("--frames 1 --type 'MODE ") + k.mode + "\\n' --screenshot " + shot);
+        ASSERT_EQ(r.status, 0) << r.out;
+        const Shot s(shot);
+        ASSERT_TRUE(s.ok);
+        for (const Probe& p : k.probes)
+            EXPECT_EQ(s.At(p.x, p.y), p.rgb) << "MODE " << k.mode << " at " << p.x << "," << p.y;
+
+        const auto rows = Screen(dir, std::string("--frames 1 --type 'MODE ") + k.mode + "\\n '");
+        EXPECT_EQ(rows[0], ">") << "MODE " << k.mode << "\n" << Joined(rows);
+    }
+}
+
+// A cartridge that starts with "TVMC" runs from 0xC004 instead of the
+// prompt; one that returns gets the monitor; one without the signature
+// is left alone.
+TEST(Monitor, StartsASignedCartridge) {
+    const std::vector<uint8_t> sig = {'T', 'V', 'M', 'C'};
+    // LD A,0x42; LD (0x5000),A; LD HL,0xC010; RST 18h; HALT; JR -3 ; "CART OK"
+    std::vector<uint8_t> runs = sig;
+    runs.insert(runs.end(), {0x3E, 0x42, 0x32, 0x00, 0x50, 0x21, 0x10, 0xC0, 0xDF, 0x76, 0x18,
+                             0xFD});
+    runs.resize(16);
+    runs.insert(runs.end(), {'C', 'A', 'R', 'T', ' ', 'O', 'K', 0});
+    std::vector<uint8_t> returns = sig;
+    returns.insert(returns.end(), {0x3E, 0x42, 0x32, 0x00, 0x50, 0xC9});
+    std::vector<uint8_t> unsigned_ = {'T', 'V', 'M', 'X', 0x3E, 0x42, 0x32, 0x00, 0x50, 0x76};
+    const struct {
+        const char* name;
+        std::vector<uint8_t> image;
+        const char* row0;
+        char marker;
+    } cases[] = {
+        {"runs", runs, "CART OK", 0x42},
+        {"returns", returns, "TVMON 1.0 system monitor, 64K RAM", 0x42},
+        {"unsigned", unsigned_, "TVMON 1.0 system monitor, 64K RAM", 0},
+    };
+    for (const auto& k : cases) {
+        ScratchDir dir;
+        std::vector<uint8_t> image = k.image;
+        image.resize(16384, 0xFF);
+        dir.Write("cart.bin", image);
+        const std::string mem = (dir.path() / "mem.bin").string();
+        const auto rows = Screen(dir, "--frames 100 --cart " + (dir.path() / "cart.bin").string() +
+                                          " --dump-mem 0x5000:1:" + mem);
+        EXPECT_EQ(rows[0], k.row0) << k.name << "\n" << Joined(rows);
+        EXPECT_EQ(Slurp(mem), std::string(1, k.marker)) << k.name;
+    }
+}
+
+} // namespace
+} // namespace tvc::test

@@ -51,29 +51,28 @@ std::optional<Font> ParseFont(std::istream& in, std::string& error) {
     int lineNo = 0, current = -1, rows = kGlyphLines;
     while (std::getline(in, text)) {
         ++lineNo;
-        const bool inGlyph = current >= 0 && rows < kGlyphLines;
-        // Inside a glyph every line is a bitmap line, '#' first or not.
-        if (!inGlyph && (text.empty() || text[0] == '#')) continue;
-        if (text[0] == '[') {
-            if (rows != kGlyphLines) return Fail(error, lineNo, "glyph before has too few lines");
-            unsigned code = 0;
-            if (std::sscanf(text.c_str(), "[%x]", &code) != 1 || code < unsigned(kFirstGlyph) ||
-                code >= unsigned(kFirstGlyph + kGlyphCount))
-                return Fail(error, lineNo, "expected [hex code] from 20 to 7F");
-            current = int(code) - kFirstGlyph;
-            if (seen[current]) return Fail(error, lineNo, "code given twice");
-            seen[current] = true;
-            rows = 0;
+        if (current >= 0 && rows < kGlyphLines) {
+            // Inside a glyph every line is a bitmap line, '#' first or not.
+            if (text.empty() || text[0] == '[') return Fail(error, lineNo, "glyph has too few lines");
+            if (text.size() != 8 || text.find_first_not_of(".#") != std::string::npos)
+                return Fail(error, lineNo, "a glyph line is 8 of '.' and '#'");
+            uint8_t bits = 0;
+            for (char c : text) bits = uint8_t(bits << 1 | (c == '#'));
+            font.glyphs[current][rows++] = bits;
             continue;
         }
-        if (!inGlyph) return Fail(error, lineNo, "bitmap line outside a glyph");
-        if (text.size() != 8 || text.find_first_not_of(".#") != std::string::npos)
-            return Fail(error, lineNo, "a glyph line is 8 of '.' and '#'");
-        uint8_t bits = 0;
-        for (char c : text) bits = uint8_t(bits << 1 | (c == '#'));
-        font.glyphs[current][rows++] = bits;
+        if (text.empty() || text[0] == '#') continue;
+        if (text[0] != '[') return Fail(error, lineNo, "bitmap line outside a glyph");
+        unsigned code = 0;
+        if (std::sscanf(text.c_str(), "[%x]", &code) != 1 || code < unsigned(kFirstGlyph) ||
+            code >= unsigned(kFirstGlyph + kGlyphCount))
+            return Fail(error, lineNo, "expected [hex code] from 20 to 7F");
+        current = int(code) - kFirstGlyph;
+        if (seen[current]) return Fail(error, lineNo, "code given twice");
+        seen[current] = true;
+        rows = 0;
     }
-    if (rows != kGlyphLines) return Fail(error, lineNo, "last glyph has too few lines");
+    if (rows != kGlyphLines) return Fail(error, lineNo, "glyph has too few lines");
     for (int i = 0; i < kGlyphCount; ++i)
         if (!seen[i]) return Fail(error, lineNo, "no glyph for " + Hex2(i + kFirstGlyph));
     return font;

@@ -53,11 +53,13 @@ std::optional<Font> ParseFont(std::istream& in, std::string& error) {
         ++lineNo;
         if (current >= 0 && rows < kGlyphLines) {
             // Inside a glyph every line is a bitmap line, '#' first or not.
-            if (text.empty() || text[0] == '[') return Fail(error, lineNo, "glyph has too few lines");
+            if (text.empty() || text[0] == '[')
+                return Fail(error, lineNo, "glyph has too few lines");
             if (text.size() != 8 || text.find_first_not_of(".#") != std::string::npos)
                 return Fail(error, lineNo, "a glyph line is 8 of '.' and '#'");
             uint8_t bits = 0;
-            for (char c : text) bits = uint8_t(bits << 1 | (c == '#'));
+            for (char c : text)
+                bits = uint8_t(bits << 1 | (c == '#'));
             font.glyphs[current][rows++] = bits;
             continue;
         }
@@ -131,7 +133,8 @@ std::string FontInclude(const Font& font) {
     out << "font:\n";
     for (int i = 0; i < kGlyphCount; ++i) {
         out << "        db ";
-        for (int k = 0; k < kGlyphLines; ++k) out << (k ? "," : "") << Hex2(font.glyphs[i][k]);
+        for (int k = 0; k < kGlyphLines; ++k)
+            out << (k ? "," : "") << Hex2(font.glyphs[i][k]);
         out << "   ; " << Hex2(i + kFirstGlyph) << "\n";
     }
     return out.str();
@@ -163,7 +166,8 @@ std::string KeyTableSource(const KeyLayout& layout) {
     out << "const FirmwareKey kFirmwareKeys[] = {\n";
     const auto strokes = StrokesFor(layout);
     for (const KeyStroke& k : strokes)
-        out << "    {" << CharLiteral(k.ch) << ", " << k.row << ", " << k.bit << ", " << (k.shift ? "true" : "false") << "},\n";
+        out << "    {" << CharLiteral(k.ch) << ", " << k.row << ", " << k.bit << ", "
+            << (k.shift ? "true" : "false") << "},\n";
     out << "};\nconst int kFirmwareKeyCount = " << strokes.size() << ";\n";
     out << "const KeyPosition kFirmwareShiftKey = {" << layout.shiftRow << ", " << layout.shiftBit
         << "};\n\n} // namespace tvc\n";

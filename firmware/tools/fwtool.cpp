@@ -49,7 +49,8 @@ int WriteKeys(const std::string& in, const std::string& inc, const std::string& 
     return WriteFile(cpp, KeyTableSource(*layout)) ? 0 : Fail("cannot write " + cpp);
 }
 
-int Split(const std::string& in, const std::string& sizeText, const std::vector<std::string>& outs) {
+int Split(const std::string& in, const std::string& sizeText,
+          const std::vector<std::string>& outs) {
     std::ifstream file(in, std::ios::binary);
     if (!file) return Fail("cannot read " + in);
     const std::string data{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
@@ -58,7 +59,8 @@ int Split(const std::string& in, const std::string& sizeText, const std::vector<
         return Fail(in + " holds " + std::to_string(data.size()) + " bytes, not " +
                     std::to_string(size * outs.size()));
     for (size_t i = 0; i < outs.size(); ++i)
-        if (!WriteFile(outs[i], data.substr(i * size, size))) return Fail("cannot write " + outs[i]);
+        if (!WriteFile(outs[i], data.substr(i * size, size)))
+            return Fail("cannot write " + outs[i]);
     return 0;
 }
 

@@ -11,9 +11,9 @@
 namespace tvc {
 
 struct FirmwareKey {
-    char ch;  // '\r' is Enter, '\b' Backspace
-    int row;  // 0..8, as written to port 3
-    int bit;  // 0..7 of KeyMatrix[row]
+    char ch; // '\r' is Enter, '\b' Backspace
+    int row; // 0..8, as written to port 3
+    int bit; // 0..7 of KeyMatrix[row]
     bool shift;
 };
 

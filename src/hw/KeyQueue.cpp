@@ -23,8 +23,10 @@ bool KeyQueue::PushText(const std::string& text, std::string& error) {
 
 void KeyQueue::Set(uint8_t* matrix, const FirmwareKey& key, bool down) {
     const auto set = [&](int row, int bit) {
-        if (down) matrix[row] |= uint8_t(1 << bit);
-        else matrix[row] &= uint8_t(~(1 << bit));
+        if (down)
+            matrix[row] |= uint8_t(1 << bit);
+        else
+            matrix[row] &= uint8_t(~(1 << bit));
     };
     set(key.row, key.bit);
     if (key.shift) set(kFirmwareShiftKey.row, kFirmwareShiftKey.bit);

@@ -15,7 +15,7 @@
 namespace tvc {
 
 class KeyQueue {
-public:
+  public:
     static constexpr int kHoldFrames = 3, kGapFrames = 3;
     static constexpr int kFramesPerKey = kHoldFrames + kGapFrames;
 
@@ -36,7 +36,7 @@ public:
     uint64_t DoneFrame() const { return start_ + keys_.size() * uint64_t(kFramesPerKey); }
     size_t size() const { return keys_.size(); }
 
-private:
+  private:
     static void Set(uint8_t* matrix, const FirmwareKey& key, bool down);
 
     uint64_t start_;

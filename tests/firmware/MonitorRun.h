@@ -23,14 +23,15 @@ struct RunResult {
 
 // Runs tvc-headless in the directory of the built ROMs with these options.
 inline RunResult RunMonitor(const std::string& args) {
-    const std::string cmd = std::string(TVC_HEADLESS_BIN) + " --dir " + TVC_FIRMWARE_DIR + " " +
-                            args + " 2>&1";
+    const std::string cmd =
+        std::string(TVC_HEADLESS_BIN) + " --dir " + TVC_FIRMWARE_DIR + " " + args + " 2>&1";
     RunResult r;
     FILE* p = popen(cmd.c_str(), "r");
     if (!p) return r;
     char buf[4096];
     size_t n;
-    while ((n = fread(buf, 1, sizeof buf, p)) > 0) r.out.append(buf, n);
+    while ((n = fread(buf, 1, sizeof buf, p)) > 0)
+        r.out.append(buf, n);
     const int st = pclose(p);
     r.status = WIFEXITED(st) ? WEXITSTATUS(st) : -1;
     return r;
@@ -79,7 +80,9 @@ struct Shot {
 constexpr int kPicLeft = 64, kPicTop = 48, kCols = 64, kRows = 24;
 
 // Pixel (x, y) of the text area, y in video lines, from the top of row 0.
-inline bool TextPixel(const Shot& s, int x, int y) { return s.Lit(kPicLeft + x, kPicTop + 2 * y); }
+inline bool TextPixel(const Shot& s, int x, int y) {
+    return s.Lit(kPicLeft + x, kPicTop + 2 * y);
+}
 
 // The character in a cell: the glyph whose pixels it shows exactly, drawn
 // plain or inverted (the cursor); '\0' for none.
@@ -117,7 +120,8 @@ inline std::vector<std::string> ScreenText(const Shot& s) {
 
 inline std::string Joined(const std::vector<std::string>& rows) {
     std::string all;
-    for (const auto& r : rows) all += r + "\n";
+    for (const auto& r : rows)
+        all += r + "\n";
     return all;
 }
 

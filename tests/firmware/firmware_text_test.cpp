@@ -18,7 +18,8 @@ std::string FontText(int code = -1, const std::string& lines = "") {
         s += head;
         s += c == code ? lines : [] {
             std::string blank;
-            for (int i = 0; i < kGlyphLines; ++i) blank += "........\n";
+            for (int i = 0; i < kGlyphLines; ++i)
+                blank += "........\n";
             return blank;
         }();
         s += "\n";
@@ -28,7 +29,8 @@ std::string FontText(int code = -1, const std::string& lines = "") {
 
 TEST(FirmwareText, FontLinesBecomeBytesLeftmostPixelHigh) {
     std::string lines = "#.......\n.......#\n########\n";
-    for (int i = 3; i < kGlyphLines; ++i) lines += "#.#.#.#.\n"; // '#' first: still a bitmap line
+    for (int i = 3; i < kGlyphLines; ++i)
+        lines += "#.#.#.#.\n"; // '#' first: still a bitmap line
     std::istringstream in(FontText('A', lines));
     std::string error;
     const auto font = ParseFont(in, error);
@@ -43,7 +45,8 @@ TEST(FirmwareText, FontLinesBecomeBytesLeftmostPixelHigh) {
 
 TEST(FirmwareText, MalformedFontsNameTheProblem) {
     std::string nine;
-    for (int i = 0; i < kGlyphLines - 1; ++i) nine += "........\n";
+    for (int i = 0; i < kGlyphLines - 1; ++i)
+        nine += "........\n";
     std::string base = FontText();
     const struct {
         std::string text;
@@ -66,8 +69,9 @@ TEST(FirmwareText, MalformedFontsNameTheProblem) {
 }
 
 TEST(FirmwareText, KeyLayoutWordsAndErrors) {
-    std::istringstream good("# c\n6 3 shift shift Shift\n5 4 enter enter Enter\n7 5 space space Sp\n"
-                            "0 3 0 # 0 key\n1 0 - none keypad\n");
+    std::istringstream good(
+        "# c\n6 3 shift shift Shift\n5 4 enter enter Enter\n7 5 space space Sp\n"
+        "0 3 0 # 0 key\n1 0 - none keypad\n");
     std::string error;
     const auto layout = ParseKeyLayout(good, error);
     ASSERT_TRUE(layout) << error;
@@ -125,9 +129,11 @@ TEST(FirmwareText, TheMonitorsOwnTablesAreComplete) {
     const auto layout = ParseKeyLayout(keys, error);
     ASSERT_TRUE(layout) << error;
     std::string typed;
-    for (const KeyStroke& k : StrokesFor(*layout)) typed += k.ch;
+    for (const KeyStroke& k : StrokesFor(*layout))
+        typed += k.ch;
     std::string want = {kBackspace, kEnter};
-    for (char c = 0x20; c < 0x7F; ++c) want += c;
+    for (char c = 0x20; c < 0x7F; ++c)
+        want += c;
     EXPECT_EQ(typed, want);
 }
 

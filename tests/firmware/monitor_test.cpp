@@ -100,7 +100,8 @@ TEST(Monitor, HelpListsTheCommands) {
     EXPECT_EQ(rows[2], "> HELP");
     EXPECT_EQ(rows[3], "Commands (numbers are hexadecimal):");
     std::string listed;
-    for (int r = 4; r < 12; ++r) listed += rows[r].substr(0, 8) + "|";
+    for (int r = 4; r < 12; ++r)
+        listed += rows[r].substr(0, 8) + "|";
     EXPECT_EQ(listed, "  HELP  |  CLS   |  MEM [a|  POKE a|  GO add|  BEEP  |  COLOR |  MODE 2|")
         << Joined(rows);
     EXPECT_EQ(rows[12], ">");
@@ -113,7 +114,8 @@ TEST(Monitor, PokeGoAndMemRoundTrip) {
     const std::string mem = (dir.path() / "mem.bin").string();
     // LD A,0x5A; LD (0x5000),A; LD HL,0x5001; INC (HL); RET
     const auto rows = Screen(dir, "--frames 1 --type 'poke 4000 3E 5A 32 00 50 21 01 50 34 c9\\n"
-                                  "GO 4000\\nMEM 5000\\nmem\\n' --dump-mem 0x5000:2:" + mem);
+                                  "GO 4000\\nMEM 5000\\nmem\\n' --dump-mem 0x5000:2:" +
+                                      mem);
     EXPECT_EQ(Slurp(mem), std::string("\x5A\x01", 2));
     EXPECT_EQ(rows[5], "5000  5A 01 00 00 00 00 00 00  Z.......") << Joined(rows);
     EXPECT_EQ(rows[12], "5038  00 00 00 00 00 00 00 00  ........");
@@ -135,11 +137,11 @@ TEST(Monitor, BadInputPrintsAnErrorAndReturnsToThePrompt) {
         {"CLS 1", "? Too many arguments"},
         {"COLOR 10", "? Bad number"},
         {"MODE 8", "? Bad number"},
-        {"ABCDEFGHIJKLMNOPQRSTUVWXYZABCDEFGHIJKLMNOPQRSTUVWXYZABCDEFGHIJKLMNOP",
-         "? Line too long"},
+        {"ABCDEFGHIJKLMNOPQRSTUVWXYZABCDEFGHIJKLMNOPQRSTUVWXYZABCDEFGHIJKLMNOP", "? Line too long"},
     };
     std::string typed;
-    for (const auto& k : cases) typed += std::string(k.line) + "\\n";
+    for (const auto& k : cases)
+        typed += std::string(k.line) + "\\n";
     ScratchDir dir;
     const std::string mem = (dir.path() / "mem.bin").string();
     const auto rows = Screen(dir, "--frames 1 --type '" + typed + "' --dump-mem 0x4000:1:" + mem);
@@ -159,8 +161,7 @@ TEST(Monitor, BadInputPrintsAnErrorAndReturnsToThePrompt) {
 TEST(Monitor, BackspaceEditsTheLine) {
     ScratchDir dir;
     const std::string tooLong(64, 'X');
-    const auto rows = Screen(dir, "--frames 1 --type 'HELX\\bP\\n" + tooLong +
-                                      "\\b\\b\\b\\n'");
+    const auto rows = Screen(dir, "--frames 1 --type 'HELX\\bP\\n" + tooLong + "\\b\\b\\b\\n'");
     EXPECT_EQ(rows[2], "> HELP");
     EXPECT_EQ(rows[12], "> " + std::string(61, 'X')) << Joined(rows);
     EXPECT_EQ(rows[13], "? Unknown command") << "the hidden characters taken back, the line is run";
@@ -170,14 +171,18 @@ TEST(Monitor, BackspaceEditsTheLine) {
 // screen: the runner and the ROM read the same key table.
 TEST(Monitor, EveryPrintableCharacterCanBeTyped) {
     std::string all;
-    for (char c = 0x21; c < 0x7F; ++c) all += c;
+    for (char c = 0x21; c < 0x7F; ++c)
+        all += c;
     const std::string first = all.substr(0, 47), second = all.substr(47);
     std::string typed;
     for (const std::string& part : {first, second}) {
         for (char c : part) {
-            if (c == '\'') typed += "'\\''"; // through the shell's single quotes
-            else if (c == '\\') typed += "\\\\";
-            else typed += c;
+            if (c == '\'')
+                typed += "'\\''"; // through the shell's single quotes
+            else if (c == '\\')
+                typed += "\\\\";
+            else
+                typed += c;
         }
         typed += "\\n";
     }
@@ -213,16 +218,23 @@ TEST(Monitor, ModeShowsATestPictureInEachMode) {
         std::vector<Probe> probes;
     } cases[] = {
         {"2", {{64, 48, 0xF8E0FE}, {64 + 16, 48, 0x00007F}, {64, 48 + 16, 0x00007F}}},
-        {"4", {{64 + 64, 200, 0x000000}, {64 + 192, 200, 0xFE0000}, {64 + 320, 200, 0x00FE00},
-               {64 + 448, 200, 0x0000FE}}},
-        {"16", {{64 + 16, 200, 0x000000}, {64 + 144, 200, 0x008000}, {64 + 304, 200, 0x0000FF},
-                {64 + 336, 200, 0xFF0000}, {64 + 496, 200, 0xFFFFFF}}},
+        {"4",
+         {{64 + 64, 200, 0x000000},
+          {64 + 192, 200, 0xFE0000},
+          {64 + 320, 200, 0x00FE00},
+          {64 + 448, 200, 0x0000FE}}},
+        {"16",
+         {{64 + 16, 200, 0x000000},
+          {64 + 144, 200, 0x008000},
+          {64 + 304, 200, 0x0000FF},
+          {64 + 336, 200, 0xFF0000},
+          {64 + 496, 200, 0xFFFFFF}}},
     };
     for (const auto& k : cases) {
         ScratchDir dir;
         const std::string shot = (dir.path() / "m.png").string();
-        const RunResult r =
-            RunMonitor(std::string("--frames 1 --type 'MODE ") + k.mode + "\\n' --screenshot " + shot);
+        const RunResult r = RunMonitor(std::string("--frames 1 --type 'MODE ") + k.mode +
+                                       "\\n' --screenshot " + shot);
         ASSERT_EQ(r.status, 0) << r.out;
         const Shot s(shot);
         ASSERT_TRUE(s.ok);
@@ -241,8 +253,8 @@ TEST(Monitor, StartsASignedCartridge) {
     const std::vector<uint8_t> sig = {'T', 'V', 'M', 'C'};
     // LD A,0x42; LD (0x5000),A; LD HL,0xC010; RST 18h; HALT; JR -3 ; "CART OK"
     std::vector<uint8_t> runs = sig;
-    runs.insert(runs.end(), {0x3E, 0x42, 0x32, 0x00, 0x50, 0x21, 0x10, 0xC0, 0xDF, 0x76, 0x18,
-                             0xFD});
+    runs.insert(runs.end(),
+                {0x3E, 0x42, 0x32, 0x00, 0x50, 0x21, 0x10, 0xC0, 0xDF, 0x76, 0x18, 0xFD});
     runs.resize(16);
     runs.insert(runs.end(), {'C', 'A', 'R', 'T', ' ', 'O', 'K', 0});
     std::vector<uint8_t> returns = sig;

@@ -28,6 +28,7 @@ struct Options {
     std::vector<MemDump> dumpMems;
     std::optional<std::string> screenshot; // PNG of the window's picture
     std::optional<std::pair<int32_t, int32_t>> disasm; // address, lines
+    std::optional<std::string> audio; // WAV file of the machine's sound
     bool help = false;
 };
 

@@ -65,8 +65,22 @@ int main(int argc, char** argv) {
     tvc::MachineReset(*machine);
     tvc::SoundInit(*machine);
 
+    // The audio link: the maps first, then the player that opens them.
+    if (!tvc::SoundMapsCreate(*machine)) {
+        const tvc::MMapper& failed =
+            machine->sound.MMDemo.IsOpen() ? machine->sound.MMDemo2 : machine->sound.MMDemo;
+        const tvc::MapError& err = failed.LastError();
+        host.MessageBox(err.Description, err.Source, tvc::MsgKind::Critical);
+    }
+    tvc::AudioCompanion player;
+    host.audio = &player;
+    const std::string playerPath = QCoreApplication::applicationDirPath().toStdString() + "/sndpipe";
+    if (!player.Start(playerPath)) host.MessageBox("SNDpipe open error!", "LUMEKTVC", tvc::MsgKind::Plain);
+
     window.Command1Click();
     if (!window.QuitRequested()) app.exec();
     host.SetWindow(nullptr);
+    host.audio = nullptr;
+    machine->sound.MMDemo2.CloseMap();
     return 0;
 }

@@ -42,6 +42,8 @@ Output, after the run:
   --screenshot FILE.png  the main window's picture as last painted: the
                          border with the TVC picture at its place, 640 x 576
                          pixels (pictures are painted at two frame ends in five)
+  --audio FILE.wav       record the machine's sound as it would reach the audio
+                         player: 22,050 Hz stereo 8-bit, 100 ms per 5 frames
   --disasm ADDR:LINES    the disassembly of LINES instructions from ADDR, on stdout
   --help                 this text
 
@@ -95,7 +97,7 @@ std::optional<int32_t> InRange(const std::string& text, int64_t lo, int64_t hi) 
 constexpr std::string_view kValueOptions[] = {
     "--dir",   "--set",   "--port",   "--reg",       "--load-bin",
     "--poke",  "--steps", "--frames", "--dump-regs", "--dump-mem", "--screenshot", "--disasm",
-    "--cart",  "--type",  "--type-after",
+    "--audio", "--cart",  "--type",   "--type-after",
 };
 
 bool KnownMenuItem(const std::string& name) {
@@ -169,6 +171,8 @@ std::optional<Options> ParseOptions(const std::vector<std::string>& args, std::s
             auto v = ParseNumber(value);
             if (!v || *v < 0) return fail(name + " takes a count, not '" + value + "'");
             (name == "--steps" ? o.steps : o.frames) = *v;
+        } else if (name == "--audio") {
+            o.audio = value;
         } else if (name == "--disasm") {
             std::optional<int32_t> ad, lines;
             if (!SplitPair(value, ':', l, r) || !(ad = InRange(l, 0, 65535)) ||

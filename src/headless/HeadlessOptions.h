@@ -31,6 +31,7 @@ struct Options {
     std::optional<std::string> type;       // keys to type, through the monitor's layout
     int64_t typeAfter = 100;               // frame at which typing begins
     std::optional<std::pair<int32_t, int32_t>> disasm; // address, lines
+    std::optional<std::string> audio; // WAV file of the machine's sound
     bool help = false;
 };
 

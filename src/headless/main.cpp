@@ -20,6 +20,8 @@
 #include "hw/KeyQueue.h"
 #include "hw/MachineSetup.h"
 #include "hw/Memory.h"
+#include "sound/SoundFX.h"
+#include "sound/WavRecorder.h"
 
 namespace tvc::headless {
 namespace {
@@ -137,6 +139,7 @@ int Main(const std::vector<std::string>& args) {
     MachineInit(m);
     if (!m.FatalStop) MachineReset(m);
     if (m.FatalStop) return kExitFatal;
+    SoundInit(m);
     m.cpu.UndocEnabled = undoc ? 1 : 0;
 
     for (const auto& [port, value] : o.ports) m.bus.PortLatch[port] = static_cast<uint8_t>(value);
@@ -154,7 +157,17 @@ int Main(const std::vector<std::string>& args) {
         *it->value = value;
     }
 
+    WavRecorder audio;
+    if (o.audio) {
+        if (!audio.Open(*o.audio)) {
+            std::cerr << "tvc-headless: cannot write " << *o.audio << '\n';
+            return kExitIo;
+        }
+        m.sound.DeliveryTap = [&audio](const uint8_t* unit, size_t bytes) { audio.Add(unit, bytes); };
+    }
     Run(m, o, keys ? &*keys : nullptr);
+    m.sound.DeliveryTap = nullptr;
+    audio.Close();
 
     if (o.dumpRegs && !WriteOut(*o.dumpRegs, RegsJson(m))) {
         std::cerr << "tvc-headless: cannot write " << *o.dumpRegs << '\n';

@@ -32,27 +32,6 @@ constexpr IndexCbTable kDdcb = [] {
 
 } // namespace
 
-void Z80::xxDDCB() {
-    const int32_t op = CurOpcode & 255;
-    const IndexCbRow& row = kDdcb[op];
-    const int32_t address = IndexedAddress(*this, RegIX);
-
-    switch (row.kind) {
-    case IndexRow::Undefined: MissingOP(); return;
-    case IndexRow::Gated:
-        if (UndocEnabled != 1) {
-            MissingOP();
-            return;
-        }
-        IndexSll(*this, address, op);
-        break;
-    case IndexRow::Documented: IndexCbOp(*this, address, op); break;
-    }
-
-    TStates += row.t;
-    RegR += row.r;
-    PrefixState = 0;
-    RegPC = WrapAdd(RegPC, row.len);
-}
+void Z80::xxDDCB() { ExecuteIndexCb(*this, kDdcb, RegIX); }
 
 } // namespace tvc

@@ -34,27 +34,6 @@ constexpr IndexCbTable kFdcb = [] {
 
 } // namespace
 
-void Z80::xxFDCB() {
-    const int32_t op = CurOpcode & 255;
-    const IndexCbRow& row = kFdcb[op];
-    const int32_t address = IndexedAddress(*this, RegIY);
-
-    switch (row.kind) {
-    case IndexRow::Undefined: MissingOP(); return;
-    case IndexRow::Gated:
-        if (UndocEnabled != 1) {
-            MissingOP();
-            return;
-        }
-        IndexSll(*this, address, op);
-        break;
-    case IndexRow::Documented: IndexCbOp(*this, address, op); break;
-    }
-
-    TStates += row.t;
-    RegR += row.r;
-    PrefixState = 0;
-    RegPC = WrapAdd(RegPC, row.len);
-}
+void Z80::xxFDCB() { ExecuteIndexCb(*this, kFdcb, RegIY); }
 
 } // namespace tvc

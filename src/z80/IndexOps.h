@@ -181,4 +181,29 @@ inline void IndexSll(Z80& c, int32_t address, int32_t op) {
     if ((op & 7) != 6) SetOperand(c, op & 7, res);
 }
 
+// The body shared by xxDDCB and xxFDCB: each keeps its own table of costs,
+// RegR steps and lengths; the work on the operand is the same.
+inline void ExecuteIndexCb(Z80& c, const IndexCbTable& table, int32_t indexRegister) {
+    const int32_t op = c.CurOpcode & 255;
+    const IndexCbRow& row = table[op];
+    const int32_t address = IndexedAddress(c, indexRegister);
+
+    switch (row.kind) {
+    case IndexRow::Undefined: c.MissingOP(); return;
+    case IndexRow::Gated:
+        if (c.UndocEnabled != 1) {
+            c.MissingOP();
+            return;
+        }
+        IndexSll(c, address, op);
+        break;
+    case IndexRow::Documented: IndexCbOp(c, address, op); break;
+    }
+
+    c.TStates += row.t;
+    c.RegR += row.r;
+    c.PrefixState = 0;
+    c.RegPC = WrapAdd(c.RegPC, row.len);
+}
+
 } // namespace tvc

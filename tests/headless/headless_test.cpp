@@ -1,6 +1,7 @@
 // The command-line runner as scripts use it: options, exit codes, dumps.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <fstream>
 #include <sstream>
@@ -101,6 +102,32 @@ TEST(Headless, DisassemblesAfterTheRun) {
     ASSERT_EQ(r.status, 0) << r.out;
     EXPECT_EQ(r.out, " 0000 LD A,05\n 0002 LD IX,1234\n 0006 BIT 0,A\n 0008 HALT\n");
     EXPECT_EQ(RunHeadless("--disasm 0:0").status, 2);
+}
+
+TEST(Headless, AudioRecordingHoldsTheToneAtItsPredictedFrequency) {
+    // pitch 0xC00 with the tone on: 195312.5 / (4096 - 3072) = 191 Hz; full volume.
+    const struct {
+        int high, hz;
+    } tones[] = {{0x1C, 191}, {0x1F, 763}};
+    for (const auto& k : tones) {
+        ScratchDir dir;
+        WriteRomSet(dir);
+        dir.Write("tone.bin", {0x3E, 0x00, 0xD3, 0x04, 0x3E, static_cast<uint8_t>(k.high), 0xD3,
+                               0x05, 0x3E, 0xBC, 0xD3, 0x06, 0x18, 0xFE});
+        const Result r = RunHeadless("--dir " + dir.path().string() +
+                                     " --port 2=0xB0 --load-bin tone.bin --frames 100 --audio tone.wav");
+        ASSERT_EQ(r.status, 0) << r.out;
+        std::ifstream in(dir.path() / "tone.wav", std::ios::binary);
+        std::vector<uint8_t> wav((std::istreambuf_iterator<char>(in)), {});
+        ASSERT_EQ(wav.size(), 44u + 20 * 4410); // 100 frames: 20 units
+        EXPECT_EQ(std::string(wav.begin(), wav.begin() + 4), "RIFF");
+        // Rising edges of the left channel over the last 1.9 s.
+        int edges = 0;
+        for (size_t i = 44 + 4410 + 2; i < wav.size(); i += 2)
+            if (wav[i - 2] < 128 && wav[i] >= 128) ++edges;
+        EXPECT_NEAR(edges / 1.9, k.hz, k.hz * 0.01 + 1) << k.hz;
+        EXPECT_EQ(*std::max_element(wav.begin() + 4454, wav.end()), 128 + 52); // half of 105, rounded to even
+    }
 }
 
 TEST(Headless, RegistersSetByNameAndFramesRun) {

@@ -58,6 +58,11 @@ void QtHost::Beep(int, int milliseconds) {
     QThread::msleep(static_cast<unsigned long>(milliseconds));
 }
 
+void QtHost::Sleep(int milliseconds) {
+    if (audio) audio->ServeWait();
+    QThread::msleep(static_cast<unsigned long>(milliseconds));
+}
+
 void QtHost::PictureReady() {
     if (window_) window_->PictureReady();
 }

@@ -5,6 +5,7 @@
 #include <functional>
 
 #include "core/Host.h"
+#include "links/AudioCompanion.h"
 
 namespace tvc::ui {
 
@@ -23,6 +24,10 @@ public:
     void MonitorRedraw() override;
     void Beep(int frequencyHz, int milliseconds) override;
     void PictureReady() override;
+    void Sleep(int milliseconds) override;
+
+    // The audio player, stood in for while the emulator waits on it.
+    AudioCompanion* audio = nullptr;
 
     // What a fatal stop does after its message: ends the process unless a
     // test replaces it.

@@ -1,0 +1,166 @@
+// The machine's tone generator, the level line, the mix and the wave image.
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "sound/SoundFX.h"
+#include "support/TestMachine.h"
+
+namespace tvc::test {
+namespace {
+
+void SetTone(Machine& m, int pitch, bool on, int volume) {
+    m.bus.PortLatch[4] = static_cast<uint8_t>(pitch & 0xFF);
+    m.bus.PortLatch[5] = static_cast<uint8_t>((pitch >> 8) | (on ? 0x10 : 0));
+    m.bus.PortLatch[6] = static_cast<uint8_t>(volume << 2);
+}
+
+// Level changes of the tone over `blocks` blocks, and the peak seen.
+struct Wave {
+    int edges = 0, peak = 0, low = 0;
+};
+Wave Render(Machine& m, int blocks) {
+    Wave w;
+    int16_t prev = 0;
+    for (int b = 0; b < blocks; ++b) {
+        TvcToneBlock(m);
+        for (int16_t s : m.sound.TvcToneOut) {
+            if (b + prev != 0 && s != prev) ++w.edges;
+            w.peak = std::max<int>(w.peak, s);
+            w.low = std::min<int>(w.low, s);
+            prev = s;
+        }
+    }
+    return w;
+}
+
+TEST(ToneGenerator, SquareWaveAtTheDividedClock) {
+    const struct {
+        int pitch;
+        double hz;
+    } cases[] = {{0, 48}, {3072, 191}, {4000, 2035}, {4080, 11000}};
+    for (const auto& k : cases) {
+        TestMachine t;
+        SetTone(t.m(), k.pitch, true, 15);
+        const Wave w = Render(t.m(), 50); // one second
+        EXPECT_NEAR(w.edges / 2.0, k.hz, k.hz * 0.01 + 1) << k.pitch;
+        EXPECT_EQ(w.peak, 105);
+        EXPECT_EQ(w.low, -105);
+    }
+}
+
+TEST(ToneGenerator, PitchAbove4080IsTheLevelPath) {
+    TestMachine t;
+    SetTone(t.m(), 4081, true, 15);
+    t.m().sound.ToneSlots[100] = 16 + 9;
+    const Wave w = Render(t.m(), 1);
+    EXPECT_EQ(t.m().sound.TvcToneOut[99], 0);
+    EXPECT_EQ(t.m().sound.TvcToneOut[100], 45);
+    EXPECT_EQ(t.m().sound.TvcToneOut[440], 45);
+    EXPECT_EQ(w.low, 0);
+}
+
+TEST(ToneGenerator, LevelLineHoldsBetweenEventsAndAcrossBlocks) {
+    TestMachine t;
+    SetTone(t.m(), 0, false, 0);
+    auto& slots = t.m().sound.ToneSlots;
+    slots[10] = 16 + 15;
+    slots[20] = 16;
+    slots[30] = 16 + 3;
+    TvcToneBlock(t.m());
+    const int16_t* out = t.m().sound.TvcToneOut;
+    EXPECT_EQ(out[9], 0);
+    EXPECT_EQ(out[10], 75);
+    EXPECT_EQ(out[19], 75);
+    EXPECT_EQ(out[20], 0);
+    EXPECT_EQ(out[30], 15);
+    EXPECT_EQ(slots[30], 0); // consumed
+    TvcToneBlock(t.m());
+    EXPECT_EQ(out[0], 15);   // LastDacLevel carries on
+    EXPECT_EQ(t.m().sound.Tone.LastDacLevel, 15);
+}
+
+TEST(ToneGenerator, LevelEventsInATonesBlockAreLost) {
+    TestMachine t;
+    t.m().sound.Tone.LastDacLevel = 35;
+    SetTone(t.m(), 3072, true, 4);
+    t.m().sound.ToneSlots[5] = 16 + 12;
+    TvcToneBlock(t.m());
+    EXPECT_EQ(t.m().sound.ToneSlots[5], 0);
+    SetTone(t.m(), 3072, false, 4);
+    TvcToneBlock(t.m());
+    EXPECT_EQ(t.m().sound.TvcToneOut[0], 35);
+}
+
+TEST(Mix, WeightsAndEightBitWrap) {
+    struct Case {
+        int16_t tone, saaL, saaR, sn, ym, ym2, sid, ay;
+        uint8_t left, right;
+    } cases[] = {
+        {0, 0, 0, 0, 0, 0, 0, 0, 128, 128},
+        {100, 0, 0, 0, 0, 0, 0, 0, 178, 178},      // tone at half weight
+        {0, 20, -20, 0, 0, 0, 0, 0, 148, 108},     // only the SAA1099 is stereo
+        {0, 0, 0, 100, 0, 0, 0, 0, 138, 138},      // SN76489 at a tenth
+        {0, 0, 0, 0, 40, 40, 0, 0, 168, 168},      // both FM chips at half
+        {0, 0, 0, 0, 0, 0, 25, 0, 130, 130},       // SID 2.5 rounds to even
+        {0, 0, 0, 0, 0, 0, 35, 0, 132, 132},       // SID 3.5 rounds to even
+        {0, 0, 0, 0, 0, 0, 0, 200, 72, 72},        // 328 wraps to 72, no clip
+        {105, 120, 120, 0, 0, 0, 0, 100, 144, 144}, // 52.5 + 120 + 100 + 128 = 400.5 -> 400 -> 144
+        {0, -200, 0, 0, 0, 0, 0, 0, 184, 128},     // -72 wraps to 184
+    };
+    for (const Case& k : cases) {
+        TestMachine t;
+        Machine& m = t.m();
+        std::fill(std::begin(m.sound.TvcToneOut), std::end(m.sound.TvcToneOut), k.tone);
+        std::fill(std::begin(m.saa.SaaLeft), std::end(m.saa.SaaLeft), k.saaL);
+        std::fill(std::begin(m.saa.SaaRight), std::end(m.saa.SaaRight), k.saaR);
+        std::fill(std::begin(m.sn.Sn76489Out), std::end(m.sn.Sn76489Out), k.sn);
+        std::fill(std::begin(m.ym.Ym3812Out), std::end(m.ym.Ym3812Out), k.ym);
+        std::fill(std::begin(m.ym2.Ym2413Out), std::end(m.ym2.Ym2413Out), k.ym2);
+        std::fill(std::begin(m.sid.SidOut), std::end(m.sid.SidOut), k.sid);
+        std::fill(std::begin(m.ay.AyOut), std::end(m.ay.AyOut), k.ay);
+        m.sound.BlockIndex = 3;
+        MixBlock(m);
+        const size_t at = 3 * 441 * 2 + 440 * 2;
+        EXPECT_EQ(m.sound.OutBuffer[at], k.left);
+        EXPECT_EQ(m.sound.OutBuffer[at + 1], k.right);
+        EXPECT_EQ(m.sound.OutBuffer[0], 0); // other blocks untouched
+    }
+}
+
+TEST(Mix, SoundMixAdvancesTheBlockWhateverTheCard) {
+    for (bool card : {true, false}) {
+        TestMachine t;
+        t.m().menu.xio2 = card;
+        SoundMix(t.m());
+        SoundMix(t.m());
+        EXPECT_EQ(t.m().sound.BlockIndex, 2);
+        EXPECT_EQ(t.m().sound.OutBuffer[441 * 2], 128);
+    }
+}
+
+TEST(WaveImage, OneSecondOfSilenceWithItsHeader) {
+    TestMachine t;
+    SoundInit(t.m());
+    const auto& w = t.m().sound.WaveImage;
+    ASSERT_EQ(w.size(), 22094u);
+    auto u32 = [&](size_t at) { return w[at] | w[at + 1] << 8 | w[at + 2] << 16 | w[at + 3] << 24; };
+    auto u16 = [&](size_t at) { return w[at] | w[at + 1] << 8; };
+    EXPECT_EQ(std::string(w.begin(), w.begin() + 4), "RIFF");
+    EXPECT_EQ(u32(4), 22086u);
+    EXPECT_EQ(std::string(w.begin() + 8, w.begin() + 16), "WAVEfmt ");
+    EXPECT_EQ(u32(16), 16u);
+    EXPECT_EQ(u16(20), 1);
+    EXPECT_EQ(u16(22), 1);
+    EXPECT_EQ(u32(24), 22050u);
+    EXPECT_EQ(u32(28), 22050u);
+    EXPECT_EQ(u16(32), 2); // block align is always written as 2
+    EXPECT_EQ(u16(34), 8);
+    EXPECT_EQ(std::string(w.begin() + 36, w.begin() + 40), "data");
+    EXPECT_EQ(u32(40), 22050u);
+    EXPECT_EQ(w[44], 128);
+    EXPECT_EQ(w.back(), 128);
+}
+
+} // namespace
+} // namespace tvc::test

@@ -2,6 +2,8 @@
 // the commands, bad input, the test pictures and the cartridge start.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstdlib>
 #include <fstream>
 #include <iterator>
 
@@ -244,6 +246,37 @@ TEST(Monitor, ModeShowsATestPictureInEachMode) {
         const auto rows = Screen(dir, std::string("--frames 1 --type 'MODE ") + k.mode + "\\n '");
         EXPECT_EQ(rows[0], ">") << "MODE " << k.mode << "\n" << Joined(rows);
     }
+}
+
+// BEEP sounds the tone generator at pitch 0xF3D: 195312.5 / 195 = 1002 Hz,
+// for 15 frames. Measured in the recording (22,050 Hz, stereo, 8 bits) by
+// counting the crossings of the middle level where the tone sounds.
+TEST(Monitor, BeepSoundsAOneKilohertzTone) {
+    ScratchDir dir;
+    const std::string wav = (dir.path() / "beep.wav").string();
+    const RunResult r = RunMonitor("--frames 1 --type 'BEEP\\n' --audio " + wav);
+    ASSERT_EQ(r.status, 0) << r.out;
+    const std::string file = Slurp(wav);
+    const size_t data = file.find("data");
+    ASSERT_NE(data, std::string::npos);
+    std::vector<int> left;
+    for (size_t i = data + 8; i + 1 < file.size(); i += 2)
+        left.push_back(uint8_t(file[i]) - 128);
+
+    size_t first = left.size(), last = 0;
+    for (size_t i = 0; i < left.size(); ++i)
+        if (std::abs(left[i]) > 20) {
+            first = std::min(first, i);
+            last = i;
+        }
+    ASSERT_LT(first, last) << "no tone in the recording";
+    int crossings = 0;
+    for (size_t i = first + 1; i <= last; ++i)
+        if ((left[i] > 0) != (left[i - 1] > 0)) ++crossings;
+    const double seconds = double(last - first) / 22050.0;
+    EXPECT_NEAR(crossings / 2.0 / seconds, 1002.0, 10.0);
+    EXPECT_NEAR(seconds, 0.3, 0.03) << "15 frames";
+    EXPECT_LT(std::abs(left.back()), 20) << "silent again afterwards";
 }
 
 // A cartridge that starts with "TVMC" runs from 0xC004 instead of the

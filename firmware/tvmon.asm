@@ -57,7 +57,7 @@ _clear: ld (hl),a
         call cls
         im 1
         ei
-        call cart_start         ; comes back only without a signed cartridge
+        call cart_start         ; comes back without a signed cartridge, or when it returns
 
         ld hl,banner
         call put_text

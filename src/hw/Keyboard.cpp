@@ -55,6 +55,40 @@ void PicdKeyUp(Machine& m, int keycode, int) {
 
 void ClearKeyMatrix(Machine& m) { std::fill(std::begin(m.bus.KeyMatrix), std::end(m.bus.KeyMatrix), 0); }
 
+void KeyReleaseHold::Down(int keycode, uint64_t frame) {
+    for (Held& h : held_)
+        if (h.keycode == keycode) {
+            if (h.released) h = {keycode, frame, false}; // struck again before its release
+            return;
+        }
+    held_.push_back({keycode, frame, false});
+}
+
+bool KeyReleaseHold::Up(int keycode, uint64_t frame) {
+    for (auto it = held_.begin(); it != held_.end(); ++it) {
+        if (it->keycode != keycode) continue;
+        if (frame >= it->downFrame + kMinHeldFrames) {
+            held_.erase(it);
+            return true;
+        }
+        it->released = true;
+        return false;
+    }
+    return true;
+}
+
+std::vector<int> KeyReleaseHold::Due(uint64_t frame) {
+    std::vector<int> due;
+    std::erase_if(held_, [&](const Held& h) {
+        const bool now = h.released && frame >= h.downFrame + kMinHeldFrames;
+        if (now) due.push_back(h.keycode);
+        return now;
+    });
+    return due;
+}
+
+void KeyReleaseHold::Clear() { held_.clear(); }
+
 int PagingCalculator(int byte, int field, int choice) {
     static constexpr struct {
         int keep, step, choices;

@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <vector>
 
 namespace tvc {
 
@@ -34,6 +35,30 @@ void PicdKeyUp(Machine& m, int keycode, int shift);
 
 // Every key up at once: focus changes and mouse presses on the picture.
 void ClearKeyMatrix(Machine& m);
+
+// A key struck faster than the machine's pace must still be seen: the
+// window's events arrive only between frames, so a press and its release
+// can land in the same pause. A release is held back until the key has been
+// down for kMinHeldFrames frame boundaries.
+class KeyReleaseHold {
+public:
+    static constexpr uint64_t kMinHeldFrames = 2;
+
+    void Down(int keycode, uint64_t frame);
+    // True when the key may go up now; otherwise the release waits for Due.
+    bool Up(int keycode, uint64_t frame);
+    // The held-back releases whose time has come, taken off the list.
+    std::vector<int> Due(uint64_t frame);
+    void Clear();
+
+private:
+    struct Held {
+        int keycode;
+        uint64_t downFrame;
+        bool released;
+    };
+    std::vector<Held> held_;
+};
 
 // The paging calculator of the on-screen keypad: the page register byte
 // with one field replaced. Fields: 0 = U3 window (bits 7-6, choice 0..3),

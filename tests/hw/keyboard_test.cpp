@@ -94,3 +94,33 @@ TEST(Keyboard, PagingCalculatorFields) {
 
 } // namespace
 } // namespace tvc::test
+
+namespace tvc::test {
+namespace {
+
+TEST(KeyReleaseHold, AQuickTapStaysDownForTwoFrameBoundaries) {
+    KeyReleaseHold hold;
+    hold.Down('A', 10);
+    EXPECT_FALSE(hold.Up('A', 10)); // pressed and released in one pause
+    EXPECT_TRUE(hold.Due(11).empty());
+    EXPECT_EQ(hold.Due(12), std::vector<int>{'A'});
+    EXPECT_TRUE(hold.Due(20).empty());
+
+    hold.Down('B', 10);
+    EXPECT_TRUE(hold.Up('B', 12)); // held long enough: up at once
+
+    hold.Down('C', 10);
+    EXPECT_FALSE(hold.Up('C', 11));
+    hold.Down('C', 11); // struck again before the release: the held release is off
+    EXPECT_TRUE(hold.Due(20).empty());
+    EXPECT_TRUE(hold.Up('C', 20));
+
+    hold.Down('D', 1);
+    hold.Up('D', 1);
+    hold.Clear();
+    EXPECT_TRUE(hold.Due(100).empty());
+    EXPECT_TRUE(hold.Up('E', 5)); // never seen going down
+}
+
+} // namespace
+} // namespace tvc::test

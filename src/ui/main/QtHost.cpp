@@ -14,7 +14,10 @@ namespace {
 QString ToQ(std::string_view s) { return QString::fromUtf8(s.data(), static_cast<qsizetype>(s.size())); }
 } // namespace
 
-void QtHost::DoEvents() { QCoreApplication::processEvents(QEventLoop::AllEvents); }
+void QtHost::DoEvents() {
+    QCoreApplication::processEvents(QEventLoop::AllEvents);
+    if (window_) window_->ReleaseHeldKeys();
+}
 
 void QtHost::MessageBox(std::string_view text, std::string_view title, MsgKind kind) {
     QMessageBox::Icon icon = QMessageBox::NoIcon;

@@ -58,11 +58,11 @@ void ScreenView::keyReleaseEvent(QKeyEvent* e) {
     emit KeyUp(VirtualKey(*e), ShiftState(*e));
 }
 
-void ScreenView::focusInEvent(QFocusEvent*) { ClearKeyMatrix(m_); }
-void ScreenView::focusOutEvent(QFocusEvent*) { ClearKeyMatrix(m_); }
+void ScreenView::focusInEvent(QFocusEvent*) { emit AllKeysUp(); }
+void ScreenView::focusOutEvent(QFocusEvent*) { emit AllKeysUp(); }
 
 void ScreenView::mousePressEvent(QMouseEvent*) {
-    ClearKeyMatrix(m_);
+    emit AllKeysUp();
     setFocus();
 }
 

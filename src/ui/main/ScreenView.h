@@ -29,6 +29,8 @@ public:
 signals:
     void KeyDown(int keycode, int shift);
     void KeyUp(int keycode, int shift);
+    // Focus changes and mouse presses let go of every key.
+    void AllKeysUp();
 
 protected:
     void paintEvent(QPaintEvent*) override;

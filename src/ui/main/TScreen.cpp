@@ -104,6 +104,7 @@ void TScreen::BuildPanels() {
     layout->addWidget(PicD, 1);
     connect(PicD, &ScreenView::KeyDown, this, &TScreen::PicdKeyDown);
     connect(PicD, &ScreenView::KeyUp, this, &TScreen::PicdKeyUp);
+    connect(PicD, &ScreenView::AllKeysUp, this, &TScreen::ClearKeys);
 
     // Status panel: host time of the last frame, its bar, the message label
     // and the log of ports without a device.
@@ -372,6 +373,7 @@ void TScreen::Command2Click() {
 }
 
 void TScreen::PicdKeyDown(int keycode, int shift) {
+    hold_.Down(keycode, m_.run.FrameCount);
     switch (tvc::PicdKeyDown(m_, keycode, shift)) {
     case KeyCommand::Reset: Handle("xReset"); break;
     case KeyCommand::Reset2: Handle("xReset2"); break;
@@ -380,7 +382,18 @@ void TScreen::PicdKeyDown(int keycode, int shift) {
     tools->ShowKeyCode(m_.forms.TTools.Label2);
 }
 
-void TScreen::PicdKeyUp(int keycode, int shift) { tvc::PicdKeyUp(m_, keycode, shift); }
+void TScreen::PicdKeyUp(int keycode, int shift) {
+    if (hold_.Up(keycode, m_.run.FrameCount)) tvc::PicdKeyUp(m_, keycode, shift);
+}
+
+void TScreen::ReleaseHeldKeys() {
+    for (int keycode : hold_.Due(m_.run.FrameCount)) tvc::PicdKeyUp(m_, keycode, 0);
+}
+
+void TScreen::ClearKeys() {
+    hold_.Clear();
+    ClearKeyMatrix(m_);
+}
 
 void TScreen::Command1Click() {
     m_.forms.CPUmon.Command6Color = -1;

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "core/Host.h"
+#include "hw/Keyboard.h"
 
 class QAction;
 class QFrame;
@@ -42,6 +43,9 @@ public:
     // picd_KeyDown / picd_KeyUp, also used by the full-screen view and keypad.
     void PicdKeyDown(int keycode, int shift);
     void PicdKeyUp(int keycode, int shift);
+    // Lets go of the keys whose release was held back (at each yield point).
+    void ReleaseHeldKeys();
+    void ClearKeys();
 
     // The CPU monitor's Run command: the loop from the state that stands.
     void Command1Click();
@@ -95,6 +99,7 @@ private:
     Machine& m_;
     std::map<std::string, QAction*> items_;
     bool quit_ = false;
+    KeyReleaseHold hold_;
 };
 
 } // namespace tvc::ui

@@ -24,6 +24,7 @@
 #include "ui/main/Picture.h"
 #include "ui/main/ScreenView.h"
 #include "ui/main/TTools.h"
+#include "ui/monitors/CPUmon.h"
 #include "video/Screen.h"
 
 namespace tvc::ui {
@@ -53,6 +54,7 @@ TScreen::TScreen(Machine& m) : m_(m) {
     BuildPanels();
     tools = new TTools(*this);
     fullScreen = new FScreen(*this);
+    cpumon = new CPUmon(*this);
     // The drawing area keeps its size in pixels; menu and status panel come on top.
     resize(tvc::kWindowWidth, tvc::kWindowHeight + menuBar()->sizeHint().height() +
                                   Frame3->sizeHint().height());
@@ -285,6 +287,12 @@ void TScreen::Handle(const std::string& name) {
         tools->raise();
         return;
     }
+    if (name == "xDebug") {
+        cpumon->redraw();
+        cpumon->show();
+        cpumon->raise();
+        return;
+    }
     if (name == "xHelp") {
         Frame2->raise();
         Frame2->setVisible(!Frame2->isVisible());
@@ -298,7 +306,7 @@ void TScreen::Handle(const std::string& name) {
         if (!xMemDump(m_)) ReportFileError(m_, "ramdump.bin");
         return;
     }
-    // Windows of later subsystems (monitors, panels, workbench, tape,
+    // Windows of later subsystems (hardware monitor, panels, workbench, tape,
     // printer, serial, error simulator): not here yet.
 }
 
@@ -382,13 +390,9 @@ void TScreen::PicdKeyDown(int keycode, int shift) {
 
 void TScreen::PicdKeyUp(int keycode, int shift) { tvc::PicdKeyUp(m_, keycode, shift); }
 
-void TScreen::Command1Click() {
-    m_.forms.CPUmon.Command6Color = -1;
-    m_.run.RunFlag = 1;
-    m_.cpu.TStates = 0;
-    m_.run.TotalT = 0;
-    if (!quit_) RunLoop(m_);
-}
+void TScreen::Command1Click() { cpumon->Command1_Click(); }
+
+void TScreen::MonitorRedraw() { cpumon->redraw(); }
 
 void TScreen::SetStatus(StatusField field, const QString& text) {
     if (field == StatusField::Label1) Label1->setText(text);
@@ -416,6 +420,7 @@ void TScreen::closeEvent(QCloseEvent* e) {
     m_.run.RunFlag = 0;
     fullScreen->hide();
     tools->hide();
+    cpumon->hide();
     e->accept();
     QCoreApplication::quit();
 }

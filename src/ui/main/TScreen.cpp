@@ -390,9 +390,13 @@ void TScreen::PicdKeyDown(int keycode, int shift) {
 
 void TScreen::PicdKeyUp(int keycode, int shift) { tvc::PicdKeyUp(m_, keycode, shift); }
 
-void TScreen::Command1Click() { cpumon->Command1_Click(); }
+void TScreen::Command1Click() {
+    cpumon->Command1_Click();
+}
 
-void TScreen::MonitorRedraw() { cpumon->redraw(); }
+void TScreen::MonitorRedraw() {
+    cpumon->redraw();
+}
 
 void TScreen::SetStatus(StatusField field, const QString& text) {
     if (field == StatusField::Label1) Label1->setText(text);

@@ -61,7 +61,11 @@ TScreen::TScreen(Machine& m) : m_(m) {
     PicD->setFocus();
 }
 
-TScreen::~TScreen() = default;
+// The full-screen view is a window of its own, without a parent to take it
+// along, so it goes here.
+TScreen::~TScreen() {
+    delete fullScreen;
+}
 
 QAction* TScreen::Item(const std::string& name) const {
     auto it = items_.find(name);

@@ -14,6 +14,7 @@
 #include "sound/SoundFX.h"
 #include "ui/main/QtHost.h"
 #include "ui/main/TScreen.h"
+#include "ui/monitors/CPUmon.h"
 
 namespace {
 
@@ -77,7 +78,9 @@ int main(int argc, char** argv) {
     const std::string playerPath = QCoreApplication::applicationDirPath().toStdString() + "/sndpipe";
     if (!player.Start(playerPath)) host.MessageBox("SNDpipe open error!", "LUMEKTVC", tvc::MsgKind::Plain);
 
-    window.Command1Click();
+    // From here the program lives in the run loop, entered as the CPU
+    // monitor's Run button enters it.
+    window.cpumon->Command1_Click();
     if (!window.QuitRequested()) app.exec();
     host.SetWindow(nullptr);
     host.audio = nullptr;

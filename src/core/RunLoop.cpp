@@ -3,6 +3,7 @@
 #include <string>
 
 #include "core/Machine.h"
+#include "core/MonitorText.h"
 #include "core/Numbers.h"
 #include "hw/MachineSetup.h"
 #include "hw/Memory.h"
@@ -73,19 +74,6 @@ void FrameBoundary(Machine& m) {
         SoundFrame(m);
         m.sound.BlockIndex = 0;
     }
-}
-
-// The decimal value of a text box, as the breakpoint compare reads it:
-// leading digits, 0 when there are none.
-int64_t DecimalValue(const std::string& text) {
-    int64_t v = 0;
-    size_t i = 0;
-    while (i < text.size() && text[i] == ' ') ++i;
-    bool neg = i < text.size() && text[i] == '-';
-    if (neg) ++i;
-    for (; i < text.size() && text[i] >= '0' && text[i] <= '9'; ++i)
-        if (v < (int64_t(1) << 40)) v = v * 10 + (text[i] - '0');
-    return neg ? -v : v;
 }
 
 } // namespace
@@ -161,10 +149,14 @@ void LeaveRunLoop(Machine& m) {
 }
 
 void RunLoop(Machine& m) {
-    if (m.FatalStop) return;
+    // A handler called from a yield point must not start a second loop on
+    // top of the running one: the running one goes on, or stops at its test.
+    if (m.FatalStop || m.run.Running) return;
+    m.run.Running = true;
     do {
         RunPass(m);
     } while (m.run.RunFlag == 1);
+    m.run.Running = false;
     LeaveRunLoop(m);
 }
 

@@ -9,6 +9,8 @@ namespace tvc {
 class Machine;
 
 // Runs while RunFlag is exactly 1; with RunFlag 0 it performs one pass.
+// Called while a loop is already running (from a handler at one of its
+// yield points) it returns at once and leaves that loop to its own test.
 void RunLoop(Machine& m);
 
 // One pass of the loop: one whole instruction (all its prefix stages), the

@@ -18,6 +18,7 @@ struct RunState {
     int32_t LastPC = 0;         // first byte of the instruction being executed
     uint8_t RunFlag = 0;        // the loop goes on while this is exactly 1
     uint8_t BreakpointArmed = 0;
+    bool Running = false;       // a RunLoop is on the stack
     uint64_t FrameCount = 0;    // frame boundaries passed since the machine was made
 
     // The addresses of the last ten instructions; LastPcRing(9) is the latest.

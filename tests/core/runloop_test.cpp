@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "core/RunLoop.h"
+#include "hw/MachineSetup.h"
 #include "hw/Memory.h"
 #include "support/TestMachine.h"
 
@@ -148,6 +149,36 @@ TEST(RunLoop, WithRunFlagClearItPerformsOnePassAndShowsTheStop) {
     EXPECT_EQ(t.cpu().RegPC, kOrg + 1);
     EXPECT_EQ(t.m().forms.CPUmon.Command6Color, 255);
     EXPECT_EQ(t.host.monitorRedraws, 1);
+}
+
+// A handler at a yield point that starts the loop again gets no second loop:
+// its call returns at once and the running loop goes on to its own test.
+TEST(RunLoop, AnotherCallWhileRunningReturnsAtOnce) {
+    struct ReenteringHost : RecordingHost {
+        Machine* m = nullptr;
+        int nestedPasses = -1;
+        void DoEvents() override {
+            if (nestedPasses >= 0) return;
+            const int32_t before = m->run.InstCount;
+            RunLoop(*m);
+            nestedPasses = m->run.InstCount - before;
+            m->run.RunFlag = 0;
+        }
+    };
+    ReenteringHost host;
+    ScratchDir dir;
+    WriteRomSet(dir);
+    Machine m(host);
+    host.m = &m;
+    MachineInit(m);
+    MachineReset(m);
+    m.bus.PortLatch[2] = 0xB0;
+    m.cpu.RegPC = kOrg;
+    m.run.RunFlag = 1;
+    RunLoop(m);
+    EXPECT_EQ(host.nestedPasses, 0);
+    EXPECT_FALSE(m.run.Running);
+    EXPECT_EQ(host.monitorRedraws, 1); // one stop, shown once
 }
 
 TEST(RunLoop, ImpossiblePrefixStateIsFatal) {

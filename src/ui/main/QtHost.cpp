@@ -52,7 +52,9 @@ void QtHost::PortLogChanged(bool) {
     if (window_) window_->RefreshPortLog();
 }
 
-void QtHost::MonitorRedraw() {}
+void QtHost::MonitorRedraw() {
+    if (window_) window_->MonitorRedraw();
+}
 
 // The machine's own beep stops everything for its length; the desktop can
 // only ring its bell, so the wait keeps the emulated timing.

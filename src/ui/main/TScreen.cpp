@@ -24,6 +24,7 @@
 #include "ui/main/Picture.h"
 #include "ui/main/ScreenView.h"
 #include "ui/main/TTools.h"
+#include "ui/monitors/CPUmon.h"
 #include "video/Screen.h"
 
 namespace tvc::ui {
@@ -53,13 +54,18 @@ TScreen::TScreen(Machine& m) : m_(m) {
     BuildPanels();
     tools = new TTools(*this);
     fullScreen = new FScreen(*this);
+    cpumon = new CPUmon(*this);
     // The drawing area keeps its size in pixels; menu and status panel come on top.
     resize(tvc::kWindowWidth, tvc::kWindowHeight + menuBar()->sizeHint().height() +
                                   Frame3->sizeHint().height());
     PicD->setFocus();
 }
 
-TScreen::~TScreen() = default;
+// The full-screen view is a window of its own, without a parent to take it
+// along, so it goes here.
+TScreen::~TScreen() {
+    delete fullScreen;
+}
 
 QAction* TScreen::Item(const std::string& name) const {
     auto it = items_.find(name);
@@ -286,6 +292,12 @@ void TScreen::Handle(const std::string& name) {
         tools->raise();
         return;
     }
+    if (name == "xDebug") {
+        cpumon->redraw();
+        cpumon->show();
+        cpumon->raise();
+        return;
+    }
     if (name == "xHelp") {
         Frame2->raise();
         Frame2->setVisible(!Frame2->isVisible());
@@ -299,7 +311,7 @@ void TScreen::Handle(const std::string& name) {
         if (!xMemDump(m_)) ReportFileError(m_, "ramdump.bin");
         return;
     }
-    // Windows of later subsystems (monitors, panels, workbench, tape,
+    // Windows of later subsystems (hardware monitor, panels, workbench, tape,
     // printer, serial, error simulator): not here yet.
 }
 
@@ -396,11 +408,11 @@ void TScreen::ClearKeys() {
 }
 
 void TScreen::Command1Click() {
-    m_.forms.CPUmon.Command6Color = -1;
-    m_.run.RunFlag = 1;
-    m_.cpu.TStates = 0;
-    m_.run.TotalT = 0;
-    if (!quit_) RunLoop(m_);
+    cpumon->Command1_Click();
+}
+
+void TScreen::MonitorRedraw() {
+    cpumon->redraw();
 }
 
 void TScreen::SetStatus(StatusField field, const QString& text) {
@@ -429,6 +441,7 @@ void TScreen::closeEvent(QCloseEvent* e) {
     m_.run.RunFlag = 0;
     fullScreen->hide();
     tools->hide();
+    cpumon->hide();
     e->accept();
     QCoreApplication::quit();
 }

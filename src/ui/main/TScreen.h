@@ -25,6 +25,7 @@ class Machine;
 
 namespace tvc::ui {
 
+class CPUmon;
 class FScreen;
 class ScreenView;
 class TTools;
@@ -49,6 +50,8 @@ public:
 
     // The CPU monitor's Run command: the loop from the state that stands.
     void Command1Click();
+    // The CPU monitor shows the machine state again.
+    void MonitorRedraw();
     // Set when the window was closed: the run loop must end and not restart.
     bool QuitRequested() const { return quit_; }
 
@@ -78,6 +81,7 @@ public:
     QListWidget* List1 = nullptr;
     TTools* tools = nullptr;
     FScreen* fullScreen = nullptr;
+    CPUmon* cpumon = nullptr;
 
 protected:
     void closeEvent(QCloseEvent*) override;

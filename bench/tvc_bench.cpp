@@ -26,19 +26,19 @@ int main(int argc, char** argv) {
 
     // A mix of loads, ALU work, memory traffic, calls and conditional jumps.
     const std::vector<uint8_t> program = {
-        0x31, 0x00, 0xF0,       // LD SP,0xF000
-        0x21, 0x00, 0x80,       // loop: LD HL,0x8000
-        0x06, 0x00,             //   LD B,0
-        0x7E,                   // inner: LD A,(HL)
-        0x80,                   //   ADD A,B
-        0xEE, 0x5A,             //   XOR 0x5A
-        0x77,                   //   LD (HL),A
-        0x23,                   //   INC HL
-        0xCD, 0x20, 0x00,       //   CALL sub
-        0x10, 0xF5,             //   DJNZ inner
-        0xC3, 0x03, 0x00,       //   JP loop
-        0, 0, 0, 0, 0, 0, 0, 0, 0, 0,
-        0xE5, 0x09, 0xE1, 0xC9, // sub (0x20): PUSH HL; ADD HL,BC; POP HL; RET
+        0x31, 0x00, 0xF0, // LD SP,0xF000
+        0x21, 0x00, 0x80, // loop: LD HL,0x8000
+        0x06, 0x00,       //   LD B,0
+        0x7E,             // inner: LD A,(HL)
+        0x80,             //   ADD A,B
+        0xEE, 0x5A,       //   XOR 0x5A
+        0x77,             //   LD (HL),A
+        0x23,             //   INC HL
+        0xCD, 0x20, 0x00, //   CALL sub
+        0x10, 0xF5,       //   DJNZ inner
+        0xC3, 0x03, 0x00, //   JP loop
+        0,    0,    0,    0,    0,    0,    0,
+        0,    0,    0,    0xE5, 0x09, 0xE1, 0xC9, // sub (0x20): PUSH HL; ADD HL,BC; POP HL; RET
     };
     std::copy(program.begin(), program.end(), m->bus.Mem.begin());
 
@@ -50,7 +50,8 @@ int main(int argc, char** argv) {
         RunPass(*m);
         ++instructions;
     }
-    const double secs = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    const double secs =
+        std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     const double tstates = double(frames) * kFrameT;
     std::printf("frames: %d  instructions: %lld  host seconds: %.3f\n", frames,
                 static_cast<long long>(instructions), secs);

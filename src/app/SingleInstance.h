@@ -8,7 +8,7 @@
 namespace tvc::app {
 
 class SingleInstance {
-public:
+  public:
     explicit SingleInstance(const std::string& lockPath);
     ~SingleInstance();
     SingleInstance(const SingleInstance&) = delete;
@@ -20,7 +20,7 @@ public:
     // $XDG_RUNTIME_DIR/tvc.lock, or /tmp/tvc-<uid>.lock without one.
     static std::string DefaultLockPath();
 
-private:
+  private:
     int fd_ = -1;
 };
 

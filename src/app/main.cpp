@@ -75,8 +75,10 @@ int main(int argc, char** argv) {
     }
     tvc::AudioCompanion player;
     host.audio = &player;
-    const std::string playerPath = QCoreApplication::applicationDirPath().toStdString() + "/sndpipe";
-    if (!player.Start(playerPath)) host.MessageBox("SNDpipe open error!", "LUMEKTVC", tvc::MsgKind::Plain);
+    const std::string playerPath =
+        QCoreApplication::applicationDirPath().toStdString() + "/sndpipe";
+    if (!player.Start(playerPath))
+        host.MessageBox("SNDpipe open error!", "LUMEKTVC", tvc::MsgKind::Plain);
 
     // From here the program lives in the run loop, entered as the CPU
     // monitor's Run button enters it.

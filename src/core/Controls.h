@@ -9,13 +9,13 @@
 namespace tvc {
 
 struct CPUmonControls {
-    bool Check2 = false;          // "Address": arms the stop at Text5
-    bool Check4 = false;          // "Debug": mirrors BreakpointArmed
-    std::string Text5 = "65536";  // breakpoint address, decimal
-    int HScroll1 = 2;             // speed scroll bar; nothing reads it
-    int Command6Color = -1;       // -1: the normal button face; 255 when stopped
-    bool Check5 = true;           // "Screen": pictures are painted
-    bool Check6 = true;           // "Border": the border is painted with them
+    bool Check2 = false;         // "Address": arms the stop at Text5
+    bool Check4 = false;         // "Debug": mirrors BreakpointArmed
+    std::string Text5 = "65536"; // breakpoint address, decimal
+    int HScroll1 = 2;            // speed scroll bar; nothing reads it
+    int Command6Color = -1;      // -1: the normal button face; 255 when stopped
+    bool Check5 = true;          // "Screen": pictures are painted
+    bool Check6 = true;          // "Border": the border is painted with them
 };
 
 struct TVCmonControls {
@@ -32,12 +32,12 @@ struct FsaaControls {
 // The error simulator's controls; the video fault's "Enabled" box is
 // Bus::VideoErrorEnabled, which the memory map reads.
 struct ErrorSimControls {
-    int Option1 = -1;         // chosen option button: 0 "bit=0", 1 "bit=1", 2 "bit=Random"; -1 none
-    uint8_t ErrorBits = 0;    // one bit per data line, from the boxes CH0(0..7)
-    bool Check2 = false;      // "Sytem RAM" bank 0x0000-0x3FFF
-    bool Check3 = false;      // bank 0x4000-0x7FFF
-    bool Check4 = false;      // bank 0x8000-0xBFFF
-    bool Check5 = false;      // bank 0xC000-0xFFFF
+    int Option1 = -1;      // chosen option button: 0 "bit=0", 1 "bit=1", 2 "bit=Random"; -1 none
+    uint8_t ErrorBits = 0; // one bit per data line, from the boxes CH0(0..7)
+    bool Check2 = false;   // "Sytem RAM" bank 0x0000-0x3FFF
+    bool Check3 = false;   // bank 0x4000-0x7FFF
+    bool Check4 = false;   // bank 0x8000-0xBFFF
+    bool Check5 = false;   // bank 0xC000-0xFFFF
 };
 
 struct TScreenControls {

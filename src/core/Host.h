@@ -22,7 +22,7 @@ enum class StatusField {
 };
 
 class Host {
-public:
+  public:
     virtual ~Host() = default;
 
     // A yield point of the run loop: serve every pending user interface event.

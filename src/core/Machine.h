@@ -32,7 +32,7 @@ namespace tvc {
 constexpr std::string_view kAppTitle = "LUMEKTVC";
 
 class Machine {
-public:
+  public:
     explicit Machine(Host& h) : host(&h) {}
     Machine(const Machine&) = delete;
     Machine& operator=(const Machine&) = delete;

@@ -33,15 +33,24 @@ struct MenuItem {
 };
 
 inline constexpr MenuItem kMenuItems[] = {
-    {"xio0", &MenuState::xio0},       {"xio1", &MenuState::xio1},
-    {"xio2", &MenuState::xio2},       {"xio3", &MenuState::xio3},
-    {"xScreenBW", &MenuState::xScreenBW}, {"xScreenDIB", &MenuState::xScreenDIB},
-    {"xScreenNoise", &MenuState::xScreenNoise}, {"xSound", &MenuState::xSound},
-    {"xNoError", &MenuState::xNoError}, {"xUnDoc", &MenuState::xUnDoc},
-    {"x32KB", &MenuState::x32KB},     {"xBasic", &MenuState::xBasic},
-    {"xS1", &MenuState::xS1},         {"xS2", &MenuState::xS2},
-    {"xS3", &MenuState::xS3},         {"xS4", &MenuState::xS4},
-    {"xS5", &MenuState::xS5},         {"xS6", &MenuState::xS6},
+    {"xio0", &MenuState::xio0},
+    {"xio1", &MenuState::xio1},
+    {"xio2", &MenuState::xio2},
+    {"xio3", &MenuState::xio3},
+    {"xScreenBW", &MenuState::xScreenBW},
+    {"xScreenDIB", &MenuState::xScreenDIB},
+    {"xScreenNoise", &MenuState::xScreenNoise},
+    {"xSound", &MenuState::xSound},
+    {"xNoError", &MenuState::xNoError},
+    {"xUnDoc", &MenuState::xUnDoc},
+    {"x32KB", &MenuState::x32KB},
+    {"xBasic", &MenuState::xBasic},
+    {"xS1", &MenuState::xS1},
+    {"xS2", &MenuState::xS2},
+    {"xS3", &MenuState::xS3},
+    {"xS4", &MenuState::xS4},
+    {"xS5", &MenuState::xS5},
+    {"xS6", &MenuState::xS6},
 };
 
 } // namespace tvc

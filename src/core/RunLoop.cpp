@@ -15,8 +15,8 @@ namespace tvc {
 namespace {
 
 // Cursor interrupt timing: fixed working values whatever the CRTC holds.
-constexpr int32_t kCursorStartT = 392;  // T-states before the first character
-constexpr int32_t kCharRowT = 1360;     // one character row
+constexpr int32_t kCursorStartT = 392; // T-states before the first character
+constexpr int32_t kCharRowT = 1360;    // one character row
 // One character position is 13.6 T-states: pos = FrameT * 100 / 1360.
 
 void SampleInterrupts(Machine& m) {
@@ -26,8 +26,10 @@ void SampleInterrupts(Machine& m) {
             cpu.RegPC = WrapAdd(cpu.RegPC, 1);
             cpu.Halted = 0;
         }
-        if (cpu.ResetRequest) MachineReset(m);
-        else cpu.AcceptNmi();
+        if (cpu.ResetRequest)
+            MachineReset(m);
+        else
+            cpu.AcceptNmi();
     } else if (cpu.IFF1 & cpu.IrqRequest) {
         if (cpu.Halted) {
             cpu.RegPC = WrapAdd(cpu.RegPC, 1);
@@ -160,7 +162,9 @@ void RunLoop(Machine& m) {
     LeaveRunLoop(m);
 }
 
-void TimingStart(Machine& m) { m.run.timingStart = std::chrono::steady_clock::now(); }
+void TimingStart(Machine& m) {
+    m.run.timingStart = std::chrono::steady_clock::now();
+}
 
 int32_t TimingRead(const Machine& m) {
     const auto ns = std::chrono::duration_cast<std::chrono::nanoseconds>(

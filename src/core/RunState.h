@@ -6,8 +6,8 @@
 
 namespace tvc {
 
-constexpr int32_t kFrameT = 62500;          // T-states per 50 Hz frame at 3.125 MHz
-constexpr int64_t kTotalTScale = 10000;     // TotalT keeps four decimal places
+constexpr int32_t kFrameT = 62500;      // T-states per 50 Hz frame at 3.125 MHz
+constexpr int64_t kTotalTScale = 10000; // TotalT keeps four decimal places
 
 struct RunState {
     int32_t FrameT = 0;         // T-states into the current frame
@@ -18,8 +18,8 @@ struct RunState {
     int32_t LastPC = 0;         // first byte of the instruction being executed
     uint8_t RunFlag = 0;        // the loop goes on while this is exactly 1
     uint8_t BreakpointArmed = 0;
-    bool Running = false;       // a RunLoop is on the stack
-    uint64_t FrameCount = 0;    // frame boundaries passed since the machine was made
+    bool Running = false;    // a RunLoop is on the stack
+    uint64_t FrameCount = 0; // frame boundaries passed since the machine was made
 
     // The addresses of the last ten instructions; LastPcRing(9) is the latest.
     int32_t LastPcRing(int i) const { return ring[(ringHead + 1 + i) % 10]; }
@@ -30,7 +30,7 @@ struct RunState {
 
     std::chrono::steady_clock::time_point timingStart = std::chrono::steady_clock::now();
 
-private:
+  private:
     int32_t ring[10] = {};
     int ringHead = 9;
 };

@@ -7,7 +7,7 @@
 namespace tvc::headless {
 
 class HeadlessHost final : public Host {
-public:
+  public:
     void MessageBox(std::string_view text, std::string_view title, MsgKind kind) override;
     void Fatal(std::string_view text, std::string_view title) override;
 };

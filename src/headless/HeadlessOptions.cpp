@@ -68,10 +68,14 @@ std::optional<int64_t> ParseNumber(const std::string& text) {
     for (; i < text.size(); ++i) {
         const char c = text[i];
         int d;
-        if (c >= '0' && c <= '9') d = c - '0';
-        else if (base == 16 && c >= 'a' && c <= 'f') d = c - 'a' + 10;
-        else if (base == 16 && c >= 'A' && c <= 'F') d = c - 'A' + 10;
-        else return std::nullopt;
+        if (c >= '0' && c <= '9')
+            d = c - '0';
+        else if (base == 16 && c >= 'a' && c <= 'f')
+            d = c - 'a' + 10;
+        else if (base == 16 && c >= 'A' && c <= 'F')
+            d = c - 'A' + 10;
+        else
+            return std::nullopt;
         v = v * base + d;
         if (v > (int64_t(1) << 40)) return std::nullopt;
     }
@@ -95,9 +99,9 @@ std::optional<int32_t> InRange(const std::string& text, int64_t lo, int64_t hi) 
 }
 
 constexpr std::string_view kValueOptions[] = {
-    "--dir",   "--set",   "--port",   "--reg",       "--load-bin",
-    "--poke",  "--steps", "--frames", "--dump-regs", "--dump-mem", "--screenshot", "--disasm",
-    "--audio", "--cart",  "--type",   "--type-after",
+    "--dir",   "--set",    "--port",      "--reg",        "--load-bin",   "--poke",
+    "--steps", "--frames", "--dump-regs", "--dump-mem",   "--screenshot", "--disasm",
+    "--audio", "--cart",   "--type",      "--type-after",
 };
 
 bool KnownMenuItem(const std::string& name) {
@@ -142,7 +146,8 @@ std::optional<Options> ParseOptions(const std::vector<std::string>& args, std::s
             o.sets.emplace_back(l, r == "1");
         } else if (name == "--port") {
             std::optional<int32_t> n, v;
-            if (!SplitPair(value, '=', l, r) || !(n = InRange(l, 0, 255)) || !(v = InRange(r, 0, 255)))
+            if (!SplitPair(value, '=', l, r) || !(n = InRange(l, 0, 255)) ||
+                !(v = InRange(r, 0, 255)))
                 return fail("--port takes N=V with both in 0..255, not '" + value + "'");
             o.ports.emplace_back(*n, *v);
         } else if (name == "--reg") {

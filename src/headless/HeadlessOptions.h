@@ -17,21 +17,21 @@ struct MemDump {
 
 struct Options {
     std::string dir;
-    std::vector<std::pair<std::string, bool>> sets;       // menu check marks
-    std::vector<std::pair<int32_t, int32_t>> ports;       // PortLatch entries
-    std::vector<std::pair<std::string, int32_t>> regs;    // registers by name
+    std::vector<std::pair<std::string, bool>> sets;    // menu check marks
+    std::vector<std::pair<int32_t, int32_t>> ports;    // PortLatch entries
+    std::vector<std::pair<std::string, int32_t>> regs; // registers by name
     std::vector<std::string> loadBins;
     std::vector<std::pair<int32_t, int32_t>> pokes;
     std::optional<int64_t> steps;
     std::optional<int64_t> frames;
     std::optional<std::string> dumpRegs;
     std::vector<MemDump> dumpMems;
-    std::optional<std::string> screenshot; // PNG of the window's picture
-    std::string cart;                      // cartridge image, loaded by MachineInit
-    std::optional<std::string> type;       // keys to type, through the monitor's layout
-    int64_t typeAfter = 100;               // frame at which typing begins
+    std::optional<std::string> screenshot;             // PNG of the window's picture
+    std::string cart;                                  // cartridge image, loaded by MachineInit
+    std::optional<std::string> type;                   // keys to type, through the monitor's layout
+    int64_t typeAfter = 100;                           // frame at which typing begins
     std::optional<std::pair<int32_t, int32_t>> disasm; // address, lines
-    std::optional<std::string> audio; // WAV file of the machine's sound
+    std::optional<std::string> audio;                  // WAV file of the machine's sound
     bool help = false;
 };
 

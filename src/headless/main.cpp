@@ -47,12 +47,14 @@ bool SetMenu(Machine& m, const std::string& name, bool value) {
 std::string RegsJson(Machine& m) {
     std::ostringstream out;
     out << "{\n";
-    for (const StateField& f : StateFields(m)) out << "  \"" << f.name << "\": " << *f.value << ",\n";
+    for (const StateField& f : StateFields(m))
+        out << "  \"" << f.name << "\": " << *f.value << ",\n";
     out << "  \"TotalT\": " << m.run.TotalT << ",\n";
     out << "  \"RunFlag\": " << int(m.run.RunFlag) << ",\n";
     out << "  \"FrameCount\": " << m.run.FrameCount << ",\n";
     out << "  \"PortLatch\": [";
-    for (int i = 0; i < 256; ++i) out << (i ? "," : "") << int(m.bus.PortLatch[i]);
+    for (int i = 0; i < 256; ++i)
+        out << (i ? "," : "") << int(m.bus.PortLatch[i]);
     out << "]\n}\n";
     return out.str();
 }
@@ -94,7 +96,8 @@ void RunFrames(Machine& m, uint64_t end, KeyQueue* keys) {
 void Run(Machine& m, const Options& o, KeyQueue* keys) {
     m.run.RunFlag = 1;
     if (o.steps) {
-        for (int64_t i = 0; i < *o.steps && m.run.RunFlag == 1; ++i) RunPass(m);
+        for (int64_t i = 0; i < *o.steps && m.run.RunFlag == 1; ++i)
+            RunPass(m);
     } else if (o.frames || keys) {
         uint64_t end = m.run.FrameCount + static_cast<uint64_t>(o.frames.value_or(0));
         if (keys) end = std::max(end, keys->DoneFrame() + kFramesAfterTyping);
@@ -142,13 +145,15 @@ int Main(const std::vector<std::string>& args) {
     SoundInit(m);
     m.cpu.UndocEnabled = undoc ? 1 : 0;
 
-    for (const auto& [port, value] : o.ports) m.bus.PortLatch[port] = static_cast<uint8_t>(value);
+    for (const auto& [port, value] : o.ports)
+        m.bus.PortLatch[port] = static_cast<uint8_t>(value);
     for (const std::string& file : o.loadBins)
         if (!LoadBin(m, file)) {
             std::cerr << "tvc-headless: cannot read " << file << '\n';
             return kExitIo;
         }
-    for (const auto& [addr, value] : o.pokes) MemWrite(m, addr, value);
+    for (const auto& [addr, value] : o.pokes)
+        MemWrite(m, addr, value);
     const auto fields = StateFields(m);
     for (const auto& [name, value] : o.regs) {
         auto it = std::find_if(fields.begin(), fields.end(),
@@ -163,7 +168,9 @@ int Main(const std::vector<std::string>& args) {
             std::cerr << "tvc-headless: cannot write " << *o.audio << '\n';
             return kExitIo;
         }
-        m.sound.DeliveryTap = [&audio](const uint8_t* unit, size_t bytes) { audio.Add(unit, bytes); };
+        m.sound.DeliveryTap = [&audio](const uint8_t* unit, size_t bytes) {
+            audio.Add(unit, bytes);
+        };
     }
     Run(m, o, keys ? &*keys : nullptr);
     m.sound.DeliveryTap = nullptr;
@@ -181,7 +188,8 @@ int Main(const std::vector<std::string>& args) {
     }
     for (const MemDump& d : o.dumpMems) {
         std::string bytes(static_cast<size_t>(d.length), '\0');
-        for (int32_t i = 0; i < d.length; ++i) bytes[i] = static_cast<char>(MemRead(m, d.address + i));
+        for (int32_t i = 0; i < d.length; ++i)
+            bytes[i] = static_cast<char>(MemRead(m, d.address + i));
         if (!WriteOut(d.file, bytes)) {
             std::cerr << "tvc-headless: cannot write " << d.file << '\n';
             return kExitIo;

@@ -53,7 +53,9 @@ void PicdKeyUp(Machine& m, int keycode, int) {
         m.bus.KeyMatrix[pos->row] &= static_cast<uint8_t>(~(1 << pos->bit));
 }
 
-void ClearKeyMatrix(Machine& m) { std::fill(std::begin(m.bus.KeyMatrix), std::end(m.bus.KeyMatrix), 0); }
+void ClearKeyMatrix(Machine& m) {
+    std::fill(std::begin(m.bus.KeyMatrix), std::end(m.bus.KeyMatrix), 0);
+}
 
 void KeyReleaseHold::Down(int keycode, uint64_t frame) {
     for (Held& h : held_)
@@ -87,7 +89,9 @@ std::vector<int> KeyReleaseHold::Due(uint64_t frame) {
     return due;
 }
 
-void KeyReleaseHold::Clear() { held_.clear(); }
+void KeyReleaseHold::Clear() {
+    held_.clear();
+}
 
 int PagingCalculator(int byte, int field, int choice) {
     static constexpr struct {

@@ -41,7 +41,7 @@ void ClearKeyMatrix(Machine& m);
 // can land in the same pause. A release is held back until the key has been
 // down for kMinHeldFrames frame boundaries.
 class KeyReleaseHold {
-public:
+  public:
     static constexpr uint64_t kMinHeldFrames = 2;
 
     void Down(int keycode, uint64_t frame);
@@ -51,7 +51,7 @@ public:
     std::vector<int> Due(uint64_t frame);
     void Clear();
 
-private:
+  private:
     struct Held {
         int keycode;
         uint64_t downFrame;

@@ -103,19 +103,25 @@ void MachineInit(Machine& m) {
     if (!LoadSystemRoms(m)) return;
 
     if (m.menu.xio0) {
-        if (auto buf = ReadOptional(m, "hbf.rom", 16384)) CopyToMem(m, *buf, 0, 0x38000, 16384);
-        else return;
+        if (auto buf = ReadOptional(m, "hbf.rom", 16384))
+            CopyToMem(m, *buf, 0, 0x38000, 16384);
+        else
+            return;
     }
     if (m.menu.xio2) {
-        if (auto buf = ReadOptional(m, "sndmx.rom", 32768)) CopyToMem(m, *buf, 0x6000, 0x30000, 8192);
-        else return;
+        if (auto buf = ReadOptional(m, "sndmx.rom", 32768))
+            CopyToMem(m, *buf, 0x6000, 0x30000, 8192);
+        else
+            return;
         int32_t value = 3;
         PortOut(m, 0x36, value);
         if (m.FatalStop) return;
     }
     if (m.menu.xio3) {
-        if (auto buf = ReadOptional(m, "io3.rom", 8192)) CopyToMem(m, *buf, 0, 0x32000, 8192);
-        else return;
+        if (auto buf = ReadOptional(m, "io3.rom", 8192))
+            CopyToMem(m, *buf, 0, 0x32000, 8192);
+        else
+            return;
     }
     LoadCartridge(m);
 }

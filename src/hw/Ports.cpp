@@ -23,7 +23,8 @@ void LogPort(Machine& m, int32_t port, char direction, size_t limit) {
 // mode and the printer's ready line brought up to date.
 int32_t ReadStatus(Machine& m) {
     uint8_t& s = m.bus.PortLatch[0x59];
-    s = static_cast<uint8_t>((s & ~0x60) | (TapeSample(m) ? 0x20 : 0) | (m.menu.xScreenBW ? 0 : 0x40));
+    s = static_cast<uint8_t>((s & ~0x60) | (TapeSample(m) ? 0x20 : 0) |
+                             (m.menu.xScreenBW ? 0 : 0x40));
     s |= 0x80;
     return s;
 }
@@ -38,10 +39,17 @@ int32_t CardId(const Machine& m) {
 void CrtcDataWrite(Machine& m, int32_t& value) {
     const int32_t reg = m.crtc.CrtcReg[kCrtcSelect] & 31;
     switch (reg) {
-    case 4: case 6: case 7: case 10: value &= 0x7F; break;
-    case 5: case 9: case 11: value &= 0x1F; break;
+    case 4:
+    case 6:
+    case 7:
+    case 10: value &= 0x7F; break;
+    case 5:
+    case 9:
+    case 11: value &= 0x1F; break;
     case 8: value &= 0xF3; break;
-    case 12: case 14: case 16: value &= 0x3F; break;
+    case 12:
+    case 14:
+    case 16: value &= 0x3F; break;
     default: break;
     }
     m.crtc.CrtcReg[reg] = value;
@@ -93,14 +101,18 @@ int32_t PortIn(Machine& m, int32_t port) {
     case 0x5E: return CardId(m);
     case 0x5B:
     case 0x5F: m.run.SoundTimer = ToneReload(m); return 255;
-    case 0x70: case 0x72: case 0x74: case 0x76: return 255;
-    case 0x71: case 0x73: case 0x75: case 0x77: {
+    case 0x70:
+    case 0x72:
+    case 0x74:
+    case 0x76: return 255;
+    case 0x71:
+    case 0x73:
+    case 0x75:
+    case 0x77: {
         const int32_t reg = m.crtc.CrtcReg[kCrtcSelect] & 31;
         return reg >= 12 ? m.crtc.CrtcReg[reg] : 255;
     }
-    default:
-        LogPort(m, port, 'R', kReadLogLimit);
-        return 255;
+    default: LogPort(m, port, 'R', kReadLogLimit); return 255;
     }
 }
 
@@ -114,10 +126,15 @@ void PortOut(Machine& m, int32_t port, int32_t& value) {
         return;
     }
     switch (port) {
-    case 0x01: case 0x02: case 0x03: case 0x04: case 0x05:
-    case 0x0F: case 0x18: case 0x21: case 0xA0:
-        latch[port] = byte;
-        return;
+    case 0x01:
+    case 0x02:
+    case 0x03:
+    case 0x04:
+    case 0x05:
+    case 0x0F:
+    case 0x18:
+    case 0x21:
+    case 0xA0: latch[port] = byte; return;
     case 0x06:
         Port6Write(m, value);
         latch[port] = byte;
@@ -126,35 +143,59 @@ void PortOut(Machine& m, int32_t port, int32_t& value) {
         latch[0x59] |= 0x10;
         m.cpu.IrqRequest = 0;
         return;
-    case 0x0C: case 0x0D: case 0x0E:
+    case 0x0C:
+    case 0x0D:
+    case 0x0E:
     case 0x10: FdcCommand(m, byte); return;
     case 0x11: FdcTrackWrite(m, byte); return;
     case 0x12: FdcSectorWrite(m, byte); return;
     case 0x13: FdcDataWrite(m, byte); return;
     case 0x14: FdcParamWrite(m, byte); return;
     case 0x20: SerialOut(m, port, byte); return;
-    case 0x30: case 0xFD: SnWrite(m, static_cast<uint8_t>(port), byte); return;
-    case 0x32: case 0x33: case 0xFE: case 0xFF:
-        SaaWrite(m, static_cast<uint8_t>(port), byte);
-        return;
-    case 0x34: case 0x35: YmWrite(m, static_cast<uint8_t>(port), byte); return;
-    case 0x36: case 0x37: LoadSoundCardPage(m, value & 3); return;
-    case 0x38: case 0x39: SidWrite(m, static_cast<uint8_t>(port), byte); return;
-    case 0x3A: case 0x3B: AyWrite(m, static_cast<uint8_t>(port), byte); return;
-    case 0x3C: case 0x3D: Ym2Write(m, static_cast<uint8_t>(port), byte); return;
-    case 0x50: case 0x51: case 0x52: case 0x53: case 0x54: case 0x55: case 0x56: case 0x57:
-        TapeEdge(m);
-        return;
-    case 0x58: case 0x5C: latch[0x59] |= 0x01; return;
-    case 0x59: case 0x5D: latch[0x59] |= 0x02; return;
-    case 0x5A: case 0x5E: latch[0x59] |= 0x04; return;
-    case 0x5B: case 0x5F: latch[0x59] |= 0x08; return;
-    case 0x70: case 0x72: case 0x74: case 0x76:
+    case 0x30:
+    case 0xFD: SnWrite(m, static_cast<uint8_t>(port), byte); return;
+    case 0x32:
+    case 0x33:
+    case 0xFE:
+    case 0xFF: SaaWrite(m, static_cast<uint8_t>(port), byte); return;
+    case 0x34:
+    case 0x35: YmWrite(m, static_cast<uint8_t>(port), byte); return;
+    case 0x36:
+    case 0x37: LoadSoundCardPage(m, value & 3); return;
+    case 0x38:
+    case 0x39: SidWrite(m, static_cast<uint8_t>(port), byte); return;
+    case 0x3A:
+    case 0x3B: AyWrite(m, static_cast<uint8_t>(port), byte); return;
+    case 0x3C:
+    case 0x3D: Ym2Write(m, static_cast<uint8_t>(port), byte); return;
+    case 0x50:
+    case 0x51:
+    case 0x52:
+    case 0x53:
+    case 0x54:
+    case 0x55:
+    case 0x56:
+    case 0x57: TapeEdge(m); return;
+    case 0x58:
+    case 0x5C: latch[0x59] |= 0x01; return;
+    case 0x59:
+    case 0x5D: latch[0x59] |= 0x02; return;
+    case 0x5A:
+    case 0x5E: latch[0x59] |= 0x04; return;
+    case 0x5B:
+    case 0x5F: latch[0x59] |= 0x08; return;
+    case 0x70:
+    case 0x72:
+    case 0x74:
+    case 0x76:
         value &= 31;
         latch[port] = static_cast<uint8_t>(value);
         m.crtc.CrtcReg[kCrtcSelect] = value;
         return;
-    case 0x71: case 0x73: case 0x75: case 0x77: CrtcDataWrite(m, value); return;
+    case 0x71:
+    case 0x73:
+    case 0x75:
+    case 0x77: CrtcDataWrite(m, value); return;
     default: break;
     }
     if (port >= 0x60 && port <= 0x6F) {

@@ -15,7 +15,7 @@
 namespace tvc {
 
 class AudioCompanion {
-public:
+  public:
     ~AudioCompanion() { Stop(); }
 
     // Starts the player; false when it cannot be started.
@@ -26,7 +26,7 @@ public:
     // Called by every wait for the player: stands in while it is absent.
     void ServeWait();
 
-private:
+  private:
     pid_t pid_ = -1;
     bool reported_ = false;
     AudioConsumer standInLink_;

@@ -3,7 +3,8 @@
 namespace tvc {
 
 bool AudioConsumer::Open() {
-    return samples_.OpenMap(kSampleMapName, kAudioUnitBytes) && handshake_.OpenMap(kHandshakeMapName, 1);
+    return samples_.OpenMap(kSampleMapName, kAudioUnitBytes) &&
+           handshake_.OpenMap(kHandshakeMapName, 1);
 }
 
 uint8_t AudioConsumer::Handshake() {

@@ -23,7 +23,7 @@ enum : uint8_t { kHandshakeIdle = 0, kHandshakeAsk = 1, kHandshakeDelivered = 2 
 
 // The player's side: opens the maps the emulator made, asks, takes units.
 class AudioConsumer {
-public:
+  public:
     bool Open();
     bool IsOpen() const { return samples_.IsOpen() && handshake_.IsOpen(); }
     uint8_t Handshake();
@@ -31,19 +31,19 @@ public:
     // Copies out a delivered unit; false while none stands. Does not ask again.
     bool Take(uint8_t* unit);
 
-private:
+  private:
     MMapper samples_, handshake_;
 };
 
 // A player that plays nothing: it takes one unit every 100 ms, the pace of a
 // real one, so the emulator never waits for ever. Step() is called often.
 class SilentSink {
-public:
+  public:
     explicit SilentSink(AudioConsumer& link) : link_(link) {}
     // Returns true when a unit was taken (copied into unit, if given).
     bool Step(std::chrono::steady_clock::time_point now, uint8_t* unit = nullptr);
 
-private:
+  private:
     AudioConsumer& link_;
     bool asked_ = false;
     std::chrono::steady_clock::time_point lastAsk_{}, nextAsk_{};

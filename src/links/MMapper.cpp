@@ -22,7 +22,8 @@ bool MMapper::Fail(const std::string& text) {
 }
 
 bool MMapper::Map(int fd, const std::string& errorPrefix) {
-    void* view = ::mmap(nullptr, static_cast<size_t>(size_), PROT_READ | PROT_WRITE, MAP_SHARED, fd, 0);
+    void* view =
+        ::mmap(nullptr, static_cast<size_t>(size_), PROT_READ | PROT_WRITE, MAP_SHARED, fd, 0);
     const int err = errno;
     ::close(fd);
     if (view == MAP_FAILED) {

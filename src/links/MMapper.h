@@ -22,7 +22,7 @@ struct MapError {
 };
 
 class MMapper {
-public:
+  public:
     MMapper() = default;
     ~MMapper() { CloseMap(); }
     MMapper(const MMapper&) = delete;
@@ -45,7 +45,7 @@ public:
     // set, so that test runs keep apart from a running emulator.
     static std::string PosixName(const std::string& name);
 
-private:
+  private:
     bool Fail(const std::string& text);
     bool Map(int fd, const std::string& errorPrefix);
 

@@ -4,7 +4,9 @@
 
 namespace tvc {
 
-uint8_t SerialIn(Machine&, int32_t) { return 0; }
+uint8_t SerialIn(Machine&, int32_t) {
+    return 0;
+}
 void SerialOut(Machine&, int32_t, uint8_t) {}
 
 } // namespace tvc

@@ -14,12 +14,12 @@ struct Fdc {
 };
 
 void FdcInit(Machine& m);
-void FdcCommand(Machine& m, uint8_t value);    // port 0x10 write
-uint8_t FdcStatusRead(Machine& m);             // port 0x10 read
+void FdcCommand(Machine& m, uint8_t value);     // port 0x10 write
+uint8_t FdcStatusRead(Machine& m);              // port 0x10 read
 void FdcTrackWrite(Machine& m, uint8_t value);  // port 0x11
 void FdcSectorWrite(Machine& m, uint8_t value); // port 0x12
 void FdcDataWrite(Machine& m, uint8_t value);   // port 0x13
-uint8_t FdcDataRead(Machine& m);               // port 0x13 read
+uint8_t FdcDataRead(Machine& m);                // port 0x13 read
 void FdcParamWrite(Machine& m, uint8_t value);  // port 0x14
 
 } // namespace tvc

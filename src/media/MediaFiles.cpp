@@ -7,7 +7,9 @@
 namespace tvc {
 
 namespace {
-bool CanRead(const std::string& name) { return !name.empty() && std::ifstream(name, std::ios::binary).good(); }
+bool CanRead(const std::string& name) {
+    return !name.empty() && std::ifstream(name, std::ios::binary).good();
+}
 } // namespace
 
 void ReportFileError(Machine& m, const std::string& name) {

@@ -4,7 +4,9 @@
 
 namespace tvc {
 
-int TapeSample(Machine&) { return 0; }
+int TapeSample(Machine&) {
+    return 0;
+}
 void TapeEdge(Machine&) {}
 
 } // namespace tvc

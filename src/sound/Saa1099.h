@@ -9,7 +9,7 @@ namespace tvc {
 class Machine;
 
 struct Saa1099 {
-    int16_t SaaLeft[441] = {}; // this block's output; zero until the chip sounds
+    int16_t SaaLeft[441] = {};  // this block's output; zero until the chip sounds
     int16_t SaaRight[441] = {}; // this block's output; zero until the chip sounds
 };
 

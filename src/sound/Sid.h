@@ -1,5 +1,5 @@
-// The SID of the sound card (and of the older card at ports 0xE0..0xF8). Its sound arrives with the chip emulation; until then
-// writes are accepted and the chip stays silent.
+// The SID of the sound card (and of the older card at ports 0xE0..0xF8). Its sound arrives with the
+// chip emulation; until then writes are accepted and the chip stays silent.
 #pragma once
 
 #include <cstdint>

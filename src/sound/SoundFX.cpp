@@ -102,7 +102,8 @@ void TvcToneBlock(Machine& m) {
 // loud mix wraps around rather than clipping.
 void MixBlock(Machine& m) {
     SoundFX& s = m.sound;
-    const size_t base = size_t(std::clamp(s.BlockIndex, 0, kBlocksPerDelivery - 1)) * kBlockSamples * 2;
+    const size_t base =
+        size_t(std::clamp(s.BlockIndex, 0, kBlocksPerDelivery - 1)) * kBlockSamples * 2;
     for (int i = 0; i < kBlockSamples; ++i) {
         const double common = 0.5 * m.ym.Ym3812Out[i] + 0.5 * m.ym2.Ym2413Out[i] +
                               0.1 * m.sn.Sn76489Out[i] + 0.5 * s.TvcToneOut[i] +
@@ -149,7 +150,8 @@ void SoundFrame(Machine& m) {
         }
     }
     m.forms.Fsaa.Label11 = std::to_string(s.BlockIndex);
-    for (int i = 0; i < kBlocksPerDelivery && s.BlockIndex < kBlocksPerDelivery; ++i) SoundMix(m);
+    for (int i = 0; i < kBlocksPerDelivery && s.BlockIndex < kBlocksPerDelivery; ++i)
+        SoundMix(m);
     s.MMDemo.WriteMap(s.OutBuffer, kAudioUnitBytes);
     s.BlockIndex = 0;
     // Every delivery lands on the same place behind the header: the file

@@ -10,7 +10,7 @@
 namespace tvc {
 
 class WavRecorder {
-public:
+  public:
     WavRecorder() = default;
     ~WavRecorder() { Close(); }
     WavRecorder(const WavRecorder&) = delete;
@@ -22,7 +22,7 @@ public:
     bool IsOpen() const { return file_ != nullptr; }
     uint32_t DataBytes() const { return data_; }
 
-private:
+  private:
     void WriteHeader();
     std::FILE* file_ = nullptr;
     uint32_t data_ = 0;

@@ -97,10 +97,22 @@ void Z80::xx() {
     int32_t len = 1; // how far RegPC moves when the case does not set it
     switch (op) {
     case 0x00: break; // NOP
-    case 0x01: SetBC(Imm16()); len = 3; break;
-    case 0x11: SetDE(Imm16()); len = 3; break;
-    case 0x21: SetHL(Imm16()); len = 3; break;
-    case 0x31: RegSP = Imm16(); len = 3; break;
+    case 0x01:
+        SetBC(Imm16());
+        len = 3;
+        break;
+    case 0x11:
+        SetDE(Imm16());
+        len = 3;
+        break;
+    case 0x21:
+        SetHL(Imm16());
+        len = 3;
+        break;
+    case 0x31:
+        RegSP = Imm16();
+        len = 3;
+        break;
     case 0x02: Wr(BC(), RegA); break;
     case 0x12: Wr(DE(), RegA); break;
     case 0x0A: RegA = Rd(BC()); break;
@@ -113,17 +125,38 @@ void Z80::xx() {
     case 0x1B: SetDE((DE() - 1) & 0xFFFF); break;
     case 0x2B: SetHL((HL() - 1) & 0xFFFF); break;
     case 0x3B: RegSP = (RegSP - 1) & 0xFFFF; break;
-    case 0x04: case 0x0C: case 0x14: case 0x1C: case 0x24: case 0x2C: case 0x34: case 0x3C: {
+    case 0x04:
+    case 0x0C:
+    case 0x14:
+    case 0x1C:
+    case 0x24:
+    case 0x2C:
+    case 0x34:
+    case 0x3C: {
         const int32_t r = (op >> 3) & 7;
         SetOperand(*this, r, IncByte(GetOperand(*this, r)));
         break;
     }
-    case 0x05: case 0x0D: case 0x15: case 0x1D: case 0x25: case 0x2D: case 0x35: case 0x3D: {
+    case 0x05:
+    case 0x0D:
+    case 0x15:
+    case 0x1D:
+    case 0x25:
+    case 0x2D:
+    case 0x35:
+    case 0x3D: {
         const int32_t r = (op >> 3) & 7;
         SetOperand(*this, r, DecByte(GetOperand(*this, r)));
         break;
     }
-    case 0x06: case 0x0E: case 0x16: case 0x1E: case 0x26: case 0x2E: case 0x36: case 0x3E:
+    case 0x06:
+    case 0x0E:
+    case 0x16:
+    case 0x1E:
+    case 0x26:
+    case 0x2E:
+    case 0x36:
+    case 0x3E:
         SetOperand(*this, (op >> 3) & 7, Rd(RegPC + 1));
         len = 2;
         break;
@@ -176,7 +209,10 @@ void Z80::xx() {
         }
         break;
     case 0x18: JumpRel(Rd(RegPC + 1)); return;
-    case 0x20: case 0x28: case 0x30: case 0x38: // JR cc
+    case 0x20:
+    case 0x28:
+    case 0x30:
+    case 0x38: // JR cc
         RegR += 1;
         if (Condition(*this, (op >> 3) & 3)) {
             TStates += 12;
@@ -200,8 +236,14 @@ void Z80::xx() {
         len = 3;
         break;
     }
-    case 0x32: Wr(Imm16(), RegA); len = 3; break;
-    case 0x3A: RegA = Rd(Imm16()); len = 3; break;
+    case 0x32:
+        Wr(Imm16(), RegA);
+        len = 3;
+        break;
+    case 0x3A:
+        RegA = Rd(Imm16());
+        len = 3;
+        break;
     case 0x27: Daa(); break;
     case 0x2F: // CPL
         RegA ^= 255;
@@ -221,7 +263,14 @@ void Z80::xx() {
         len = 0;
         break;
 
-    case 0xC0: case 0xC8: case 0xD0: case 0xD8: case 0xE0: case 0xE8: case 0xF0: case 0xF8:
+    case 0xC0:
+    case 0xC8:
+    case 0xD0:
+    case 0xD8:
+    case 0xE0:
+    case 0xE8:
+    case 0xF0:
+    case 0xF8:
         if (Condition(*this, (op >> 3) & 7)) {
             TStates += 10;
             DoRet();
@@ -252,7 +301,13 @@ void Z80::xx() {
         RegR += 1;
         len = 3;
         break;
-    case 0xCA: case 0xD2: case 0xDA: case 0xE2: case 0xEA: case 0xF2: case 0xFA:
+    case 0xCA:
+    case 0xD2:
+    case 0xDA:
+    case 0xE2:
+    case 0xEA:
+    case 0xF2:
+    case 0xFA:
         RegR += 1;
         if (Condition(*this, (op >> 3) & 7)) {
             TStates += op == 0xDA ? 0 : 10;
@@ -263,7 +318,14 @@ void Z80::xx() {
         len = 3;
         break;
     case 0xC3: RegPC = Imm16(); return;
-    case 0xC4: case 0xCC: case 0xD4: case 0xDC: case 0xE4: case 0xEC: case 0xF4: case 0xFC:
+    case 0xC4:
+    case 0xCC:
+    case 0xD4:
+    case 0xDC:
+    case 0xE4:
+    case 0xEC:
+    case 0xF4:
+    case 0xFC:
         RegR += 1;
         if (Condition(*this, (op >> 3) & 7)) {
             TStates += 17;
@@ -274,13 +336,25 @@ void Z80::xx() {
         len = 3;
         break;
     case 0xCD: DoCall(Imm16()); return;
-    case 0xC6: case 0xCE: case 0xD6: case 0xDE: case 0xE6: case 0xEE: case 0xF6: case 0xFE:
+    case 0xC6:
+    case 0xCE:
+    case 0xD6:
+    case 0xDE:
+    case 0xE6:
+    case 0xEE:
+    case 0xF6:
+    case 0xFE:
         Alu(*this, (op >> 3) & 7, Rd(RegPC + 1));
         len = 2;
         break;
-    case 0xC7: case 0xCF: case 0xD7: case 0xDF: case 0xE7: case 0xEF: case 0xF7: case 0xFF:
-        DoRst(op & 0x38);
-        return;
+    case 0xC7:
+    case 0xCF:
+    case 0xD7:
+    case 0xDF:
+    case 0xE7:
+    case 0xEF:
+    case 0xF7:
+    case 0xFF: DoRst(op & 0x38); return;
     case 0xD3: {
         int32_t port = Rd(RegPC + 1);
         RegPC = WrapAdd(RegPC, 2); // OUT may stop the machine; the instruction is complete
@@ -311,7 +385,10 @@ void Z80::xx() {
     case 0xFB: IFF1 = IFF2 = 1; break;
     case 0xF9: RegSP = HL(); break;
 
-    case 0xCB: case 0xDD: case 0xED: case 0xFD: // prefix stage: no cost, no RegR step
+    case 0xCB:
+    case 0xDD:
+    case 0xED:
+    case 0xFD: // prefix stage: no cost, no RegR step
         PrefixState = op;
         break;
     default: break;

@@ -54,9 +54,14 @@ void Z80::xxCB() {
             return;
         }
         switch (op) {
-        case 0x30: case 0x31: case 0x32: case 0x33: case 0x34: case 0x35: case 0x36: case 0x37:
-            SetOperand(*this, r, SllByte(GetOperand(*this, r)));
-            break;
+        case 0x30:
+        case 0x31:
+        case 0x32:
+        case 0x33:
+        case 0x34:
+        case 0x35:
+        case 0x36:
+        case 0x37: SetOperand(*this, r, SllByte(GetOperand(*this, r))); break;
         default: // unreachable: the range is tested above
             m.host->MessageBox("missing OP", kAppTitle, MsgKind::Plain);
             MissingOP();

@@ -32,6 +32,8 @@ constexpr IndexCbTable kDdcb = [] {
 
 } // namespace
 
-void Z80::xxDDCB() { ExecuteIndexCb(*this, kDdcb, RegIX); }
+void Z80::xxDDCB() {
+    ExecuteIndexCb(*this, kDdcb, RegIX);
+}
 
 } // namespace tvc

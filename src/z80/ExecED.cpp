@@ -107,10 +107,20 @@ void Z80::xxED() {
     int32_t len = 1; // how far RegPC moves from the opcode byte; -1 repeats
 
     switch (op) {
-    case 0x40: case 0x48: case 0x50: case 0x58: case 0x60: case 0x68: case 0x78:
-        SetOperand(*this, (op >> 3) & 7, InC());
-        break;
-    case 0x41: case 0x49: case 0x51: case 0x59: case 0x61: case 0x69: case 0x79:
+    case 0x40:
+    case 0x48:
+    case 0x50:
+    case 0x58:
+    case 0x60:
+    case 0x68:
+    case 0x78: SetOperand(*this, (op >> 3) & 7, InC()); break;
+    case 0x41:
+    case 0x49:
+    case 0x51:
+    case 0x59:
+    case 0x61:
+    case 0x69:
+    case 0x79:
         // The instruction is complete before the port sees it.
         TStates += kEd[op].t;
         RegR += kEd[op].r;
@@ -118,16 +128,28 @@ void Z80::xxED() {
         RegPC = WrapAdd(RegPC, 1);
         PortOut(m, RegC, Reg8(*this, (op >> 3) & 7));
         return;
-    case 0x42: case 0x52: case 0x62: case 0x72: SbcHL(GetPair(*this, op)); break;
-    case 0x4A: case 0x5A: case 0x6A: case 0x7A: AdcHL(GetPair(*this, op)); break;
-    case 0x43: case 0x53: case 0x63: case 0x73: {
+    case 0x42:
+    case 0x52:
+    case 0x62:
+    case 0x72: SbcHL(GetPair(*this, op)); break;
+    case 0x4A:
+    case 0x5A:
+    case 0x6A:
+    case 0x7A: AdcHL(GetPair(*this, op)); break;
+    case 0x43:
+    case 0x53:
+    case 0x63:
+    case 0x73: {
         const int32_t nn = Imm16(), v = GetPair(*this, op);
         Wr(nn, v & 255);
         Wr(nn + 1, (v >> 8) & 255);
         len = 3;
         break;
     }
-    case 0x4B: case 0x5B: case 0x6B: case 0x7B:
+    case 0x4B:
+    case 0x5B:
+    case 0x6B:
+    case 0x7B:
         SetPair(*this, op, Rd16(Imm16()));
         len = 3;
         break;
@@ -177,15 +199,19 @@ void Z80::xxED() {
     }
     case 0xA0: BlockMove(*this, 1); break;  // LDI
     case 0xA8: BlockMove(*this, -1); break; // LDD
-    case 0xB0: case 0xB8:                   // LDIR, LDDR
+    case 0xB0:
+    case 0xB8: // LDIR, LDDR
         BlockMove(*this, op == 0xB0 ? 1 : -1);
         if (BC() != 0) len = -1;
         break;
     case 0xA1: Cpi(); break;
     case 0xA9: Cpd(); break;
-    case 0xB1: case 0xB9: // CPIR, CPDR
-        if (op == 0xB1) Cpi();
-        else Cpd();
+    case 0xB1:
+    case 0xB9: // CPIR, CPDR
+        if (op == 0xB1)
+            Cpi();
+        else
+            Cpd();
         if (FlagZ == 0 && FlagP == 1) {
             TStates += 21;
             len = -1;
@@ -193,7 +219,8 @@ void Z80::xxED() {
             TStates += 16;
         }
         break;
-    case 0xA3: case 0xAB: { // OUTI, OUTD
+    case 0xA3:
+    case 0xAB: { // OUTI, OUTD
         int32_t v = Rd(HL());
         SetHL((HL() + (op == 0xA3 ? 1 : -1)) & 0xFFFF);
         RegB = DecByte(RegB);

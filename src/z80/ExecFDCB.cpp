@@ -34,6 +34,8 @@ constexpr IndexCbTable kFdcb = [] {
 
 } // namespace
 
-void Z80::xxFDCB() { ExecuteIndexCb(*this, kFdcb, RegIY); }
+void Z80::xxFDCB() {
+    ExecuteIndexCb(*this, kFdcb, RegIY);
+}
 
 } // namespace tvc

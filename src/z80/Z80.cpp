@@ -8,13 +8,19 @@
 
 namespace tvc {
 
-int32_t Z80::Rd(int32_t address) { return MemRead(m, address); }
-void Z80::Wr(int32_t address, int32_t value) { MemWrite(m, address, value); }
+int32_t Z80::Rd(int32_t address) {
+    return MemRead(m, address);
+}
+void Z80::Wr(int32_t address, int32_t value) {
+    MemWrite(m, address, value);
+}
 
 void Z80::Z80Init() {
     CpuReset();
-    for (int n = 0; n < 16; ++n) BitMask[n] = 1 << n;
-    for (int v = 0; v < 256; ++v) ParityTable[v] = (__builtin_popcount(v) % 2) == 0;
+    for (int n = 0; n < 16; ++n)
+        BitMask[n] = 1 << n;
+    for (int v = 0; v < 256; ++v)
+        ParityTable[v] = (__builtin_popcount(v) % 2) == 0;
     OpcodeTablesLoad(m);
 }
 
@@ -142,8 +148,10 @@ void Z80::Daa() {
     const int32_t a = RegA, oldC = FlagC;
     int32_t corr = (FlagH == 1 || (a & 15) > 9) ? 6 : 0;
     if (FlagC == 1 || a > 159 || (a > 143 && (a & 15) > 9)) corr += 96;
-    if (FlagN != 1) AddA(corr);
-    else SubA(corr);
+    if (FlagN != 1)
+        AddA(corr);
+    else
+        SubA(corr);
     FlagC = a < 154 ? oldC : 1;
     FlagP = ParityTable[RegA];
 }

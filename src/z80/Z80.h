@@ -36,7 +36,7 @@ enum : int32_t {
 };
 
 class Z80 {
-public:
+  public:
     explicit Z80(Machine& machine) : m(machine) {}
     Z80(const Z80&) = delete;
     Z80& operator=(const Z80&) = delete;
@@ -52,9 +52,9 @@ public:
             FlagC2 = 1;
     int32_t Halted = 0, ResetRequest = 0, IrqRequest = 0, NmiRequest = 0;
 
-    int32_t TStates = 0;     // clock of the executors; the run loop folds it per frame
-    int32_t PrefixState = 0; // which executor runs the next stage
-    int32_t CurOpcode = 0;   // the byte that executor dispatches on
+    int32_t TStates = 0;      // clock of the executors; the run loop folds it per frame
+    int32_t PrefixState = 0;  // which executor runs the next stage
+    int32_t CurOpcode = 0;    // the byte that executor dispatches on
     int32_t Displacement = 0; // signed index displacement, read on entry to xxDD/xxFD
     int32_t UndocEnabled = 1; // serves the undocumented rows when 1
 

@@ -15,8 +15,10 @@ TEST(Robustness, RandomProgramsRunWithoutFault) {
     for (uint32_t seed = 1; seed <= 16; ++seed) {
         TestMachine t;
         std::mt19937 rng(seed);
-        for (auto& byte : t.m().bus.Mem) byte = static_cast<uint8_t>(rng());
-        for (auto& latch : t.m().bus.PortLatch) latch = static_cast<uint8_t>(rng());
+        for (auto& byte : t.m().bus.Mem)
+            byte = static_cast<uint8_t>(rng());
+        for (auto& latch : t.m().bus.PortLatch)
+            latch = static_cast<uint8_t>(rng());
         Z80& c = t.cpu();
         c.IntMode = 1;
         const int32_t extremes[] = {0, -1, 65535, 65536, 0x3C000, 0x7FFFFFF0, -0x7FFFFFF0};

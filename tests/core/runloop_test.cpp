@@ -41,10 +41,10 @@ TEST(RunLoop, ToneTimerRaisesTheSoundLineOnlyWhenEnabled) {
 TEST(RunLoop, CursorInterruptFiresWhileTheRasterIsAtTheCursor) {
     NopMachine t;
     int32_t* reg = t.m().crtc.CrtcReg;
-    reg[6] = 10;      // rows on screen
-    reg[10] = 0;      // cursor start line below 4
+    reg[6] = 10; // rows on screen
+    reg[10] = 0; // cursor start line below 4
     reg[14] = 0;
-    reg[15] = 8;      // cursor at 8 + 392 = raster position 400
+    reg[15] = 8; // cursor at 8 + 392 = raster position 400
     t.m().run.SoundTimer = 1 << 30;
     std::vector<int32_t> firedAt;
     for (int i = 0; i < 62500 / 4; ++i) {

@@ -23,7 +23,8 @@ Result RunHeadless(const std::string& args) {
     if (!p) return r;
     char buf[4096];
     size_t n;
-    while ((n = fread(buf, 1, sizeof buf, p)) > 0) r.out.append(buf, n);
+    while ((n = fread(buf, 1, sizeof buf, p)) > 0)
+        r.out.append(buf, n);
     const int st = pclose(p);
     r.status = WIFEXITED(st) ? WEXITSTATUS(st) : -1;
     return r;
@@ -72,8 +73,9 @@ TEST(Headless, RunsAProgramAndDumpsRegistersAndMemory) {
     // LD A,5; LD B,7; ADD A,B; LD HL,0x1234; INC HL; HALT
     dir.Write("prog.bin", {0x3E, 0x05, 0x06, 0x07, 0x80, 0x21, 0x34, 0x12, 0x23, 0x76});
     const std::string d = dir.path().string();
-    const Result r = RunHeadless("--dir " + d + " --port 2=0xB0 --load-bin prog.bin --steps 6 " +
-                                 "--poke 0x9000=0xAB --dump-regs regs.json --dump-mem 0x8FFF:3:mem.bin");
+    const Result r =
+        RunHeadless("--dir " + d + " --port 2=0xB0 --load-bin prog.bin --steps 6 " +
+                    "--poke 0x9000=0xAB --dump-regs regs.json --dump-mem 0x8FFF:3:mem.bin");
     ASSERT_EQ(r.status, 0) << r.out;
     std::ifstream in(dir.path() / "regs.json");
     std::stringstream json;
@@ -106,16 +108,15 @@ TEST(Headless, DisassemblesAfterTheRun) {
 
 TEST(Headless, AudioRecordingHoldsTheToneAtItsPredictedFrequency) {
     // pitch 0xC00 with the tone on: 195312.5 / (4096 - 3072) = 191 Hz; full volume.
-    const struct {
-        int high, hz;
-    } tones[] = {{0x1C, 191}, {0x1F, 763}};
+    const struct { int high, hz; } tones[] = {{0x1C, 191}, {0x1F, 763}};
     for (const auto& k : tones) {
         ScratchDir dir;
         WriteRomSet(dir);
         dir.Write("tone.bin", {0x3E, 0x00, 0xD3, 0x04, 0x3E, static_cast<uint8_t>(k.high), 0xD3,
                                0x05, 0x3E, 0xBC, 0xD3, 0x06, 0x18, 0xFE});
-        const Result r = RunHeadless("--dir " + dir.path().string() +
-                                     " --port 2=0xB0 --load-bin tone.bin --frames 100 --audio tone.wav");
+        const Result r =
+            RunHeadless("--dir " + dir.path().string() +
+                        " --port 2=0xB0 --load-bin tone.bin --frames 100 --audio tone.wav");
         ASSERT_EQ(r.status, 0) << r.out;
         std::ifstream in(dir.path() / "tone.wav", std::ios::binary);
         std::vector<uint8_t> wav((std::istreambuf_iterator<char>(in)), {});
@@ -126,7 +127,8 @@ TEST(Headless, AudioRecordingHoldsTheToneAtItsPredictedFrequency) {
         for (size_t i = 44 + 4410 + 2; i < wav.size(); i += 2)
             if (wav[i - 2] < 128 && wav[i] >= 128) ++edges;
         EXPECT_NEAR(edges / 1.9, k.hz, k.hz * 0.01 + 1) << k.hz;
-        EXPECT_EQ(*std::max_element(wav.begin() + 4454, wav.end()), 128 + 52); // half of 105, rounded to even
+        EXPECT_EQ(*std::max_element(wav.begin() + 4454, wav.end()),
+                  128 + 52); // half of 105, rounded to even
     }
 }
 

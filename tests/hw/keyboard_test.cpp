@@ -14,18 +14,17 @@ TEST(Keyboard, EveryMatrixPositionReadsBackThroughPort58) {
     const struct {
         int row, bit, code;
     } keys[] = {
-        {0, 7, '4'}, {0, 6, '1'}, {0, 5, 226}, {0, 4, '6'}, {0, 3, '0'}, {0, 2, '2'},
-        {0, 1, '3'}, {0, 0, '5'}, {1, 7, '7'}, {1, 6, 192}, {1, 5, 187}, {1, 4, 106},
-        {1, 3, 191}, {1, 2, '9'}, {1, 1, '8'}, {1, 0, 109}, {2, 7, 'R'}, {2, 6, 'Q'},
-        {2, 5, 117}, {2, 4, 'Z'}, {2, 3, 116}, {2, 2, 'W'}, {2, 1, 'E'}, {2, 0, 'T'},
-        {3, 7, 'U'}, {3, 6, 'P'}, {3, 5, 221}, {3, 4, 118}, {3, 3, 219}, {3, 2, 'O'},
-        {3, 1, 'I'}, {3, 0, 119}, {4, 7, 'F'}, {4, 6, 'A'}, {4, 5, 107}, {4, 4, 'H'},
-        {4, 3, 111}, {4, 2, 'S'}, {4, 1, 'D'}, {4, 0, 'G'}, {5, 7, 'J'}, {5, 6, 186},
-        {5, 5, 220}, {5, 4, 13}, {5, 3, 222}, {5, 2, 'L'}, {5, 1, 'K'}, {5, 0, 8},
-        {6, 7, 'V'}, {6, 6, 'Y'}, {6, 5, 20}, {6, 4, 'N'}, {6, 3, 16}, {6, 2, 'X'},
-        {6, 1, 'C'}, {6, 0, 'B'}, {7, 7, 'M'}, {7, 6, 189}, {7, 5, 32}, {7, 4, 17},
-        {7, 3, 35}, {7, 2, 190}, {7, 1, 188}, {7, 0, 18}, {8, 6, 37}, {8, 5, 39},
-        {8, 4, 121}, {8, 3, 120}, {8, 2, 40}, {8, 1, 38}, {8, 0, 45},
+        {0, 7, '4'}, {0, 6, '1'}, {0, 5, 226}, {0, 4, '6'}, {0, 3, '0'}, {0, 2, '2'}, {0, 1, '3'},
+        {0, 0, '5'}, {1, 7, '7'}, {1, 6, 192}, {1, 5, 187}, {1, 4, 106}, {1, 3, 191}, {1, 2, '9'},
+        {1, 1, '8'}, {1, 0, 109}, {2, 7, 'R'}, {2, 6, 'Q'}, {2, 5, 117}, {2, 4, 'Z'}, {2, 3, 116},
+        {2, 2, 'W'}, {2, 1, 'E'}, {2, 0, 'T'}, {3, 7, 'U'}, {3, 6, 'P'}, {3, 5, 221}, {3, 4, 118},
+        {3, 3, 219}, {3, 2, 'O'}, {3, 1, 'I'}, {3, 0, 119}, {4, 7, 'F'}, {4, 6, 'A'}, {4, 5, 107},
+        {4, 4, 'H'}, {4, 3, 111}, {4, 2, 'S'}, {4, 1, 'D'}, {4, 0, 'G'}, {5, 7, 'J'}, {5, 6, 186},
+        {5, 5, 220}, {5, 4, 13},  {5, 3, 222}, {5, 2, 'L'}, {5, 1, 'K'}, {5, 0, 8},   {6, 7, 'V'},
+        {6, 6, 'Y'}, {6, 5, 20},  {6, 4, 'N'}, {6, 3, 16},  {6, 2, 'X'}, {6, 1, 'C'}, {6, 0, 'B'},
+        {7, 7, 'M'}, {7, 6, 189}, {7, 5, 32},  {7, 4, 17},  {7, 3, 35},  {7, 2, 190}, {7, 1, 188},
+        {7, 0, 18},  {8, 6, 37},  {8, 5, 39},  {8, 4, 121}, {8, 3, 120}, {8, 2, 40},  {8, 1, 38},
+        {8, 0, 45},
     };
     TestMachine t;
     Machine& m = t.m();
@@ -47,7 +46,8 @@ TEST(Keyboard, KeysWithoutAPlaceAreSwallowed) {
         EXPECT_EQ(PicdKeyDown(t.m(), c, 0), KeyCommand::None);
         EXPECT_EQ(c, 0) << code;
     }
-    for (uint8_t row : t.m().bus.KeyMatrix) EXPECT_EQ(row, 0);
+    for (uint8_t row : t.m().bus.KeyMatrix)
+        EXPECT_EQ(row, 0);
 }
 
 TEST(Keyboard, AltAloneNeverReachesTheMatrixButAltGrDoes) {
@@ -81,7 +81,8 @@ TEST(Keyboard, ShiftIsJustAnotherKeyAndClearingReleasesAll) {
     EXPECT_EQ(t.m().bus.KeyMatrix[6], 0x08);
     EXPECT_EQ(t.m().bus.KeyMatrix[4], 0x40);
     ClearKeyMatrix(t.m());
-    for (uint8_t row : t.m().bus.KeyMatrix) EXPECT_EQ(row, 0);
+    for (uint8_t row : t.m().bus.KeyMatrix)
+        EXPECT_EQ(row, 0);
 }
 
 TEST(Keyboard, PagingCalculatorFields) {
@@ -89,7 +90,8 @@ TEST(Keyboard, PagingCalculatorFields) {
         int byte, field, choice, out;
     } cases[] = {{0x00, 0, 3, 0xC0}, {0xFF, 0, 1, 0x7F}, {0x00, 1, 1, 0x20}, {0xFF, 1, 0, 0xDF},
                  {0x00, 2, 2, 0x10}, {0xFF, 2, 0, 0xE7}, {0x00, 3, 1, 0x04}, {0xB0, 3, 0, 0xB0}};
-    for (const auto& k : cases) EXPECT_EQ(PagingCalculator(k.byte, k.field, k.choice), k.out);
+    for (const auto& k : cases)
+        EXPECT_EQ(PagingCalculator(k.byte, k.field, k.choice), k.out);
 }
 
 } // namespace

@@ -43,7 +43,8 @@ TEST(MachineInit, CardRomsFollowTheSlotItems) {
     Built b;
     b.WriteMarkedRoms();
     std::vector<uint8_t> snd(32768);
-    for (size_t i = 0; i < snd.size(); ++i) snd[i] = static_cast<uint8_t>(0x10 + i / 8192);
+    for (size_t i = 0; i < snd.size(); ++i)
+        snd[i] = static_cast<uint8_t>(0x10 + i / 8192);
     b.dir.Write("sndmx.rom", snd);
     b.m->menu.xio0 = true;
     b.m->menu.xio2 = true;
@@ -151,9 +152,12 @@ TEST(MachineReset, WarmResetKeepsMemoryAndResetsLatches) {
     TestMachine t;
     Machine& m = t.m();
     MemWrite(m, 0x1000, 0x55);
-    for (auto& latch : m.bus.PortLatch) latch = 0x33;
-    for (auto& row : m.bus.KeyMatrix) row = 1;
-    for (auto& reg : m.crtc.CrtcReg) reg = 0x44;
+    for (auto& latch : m.bus.PortLatch)
+        latch = 0x33;
+    for (auto& row : m.bus.KeyMatrix)
+        row = 1;
+    for (auto& reg : m.crtc.CrtcReg)
+        reg = 0x44;
     m.run.FrameT = 1234;
     m.cpu.RegPC = 0x4321;
     m.cpu.IntMode = 1;
@@ -163,11 +167,11 @@ TEST(MachineReset, WarmResetKeepsMemoryAndResetsLatches) {
     EXPECT_EQ(m.bus.PortLatch[0x59], 191);
     EXPECT_EQ(m.bus.PortLatch[5], 255);
     for (int i = 0; i < 256; ++i)
-        if (i != 0x59 && i != 5) {
-            EXPECT_EQ(m.bus.PortLatch[i], 0) << i;
-        }
-    for (uint8_t row : m.bus.KeyMatrix) EXPECT_EQ(row, 0);
-    for (int r = 0; r <= 18; ++r) EXPECT_EQ(m.crtc.CrtcReg[r], r == 10 ? 32 : 0) << r;
+        if (i != 0x59 && i != 5) { EXPECT_EQ(m.bus.PortLatch[i], 0) << i; }
+    for (uint8_t row : m.bus.KeyMatrix)
+        EXPECT_EQ(row, 0);
+    for (int r = 0; r <= 18; ++r)
+        EXPECT_EQ(m.crtc.CrtcReg[r], r == 10 ? 32 : 0) << r;
     EXPECT_EQ(m.run.FrameT, 1234);
     EXPECT_EQ(m.cpu.RegPC, 0);
     EXPECT_EQ(m.cpu.IntMode, 0);

@@ -15,8 +15,8 @@ struct MapCase {
     const char* name;
     int p2, p3, p15, p24;
     int32_t address;
-    int32_t readFrom;  // offset in Mem
-    int32_t writeTo;   // offset in Mem, kDropped or kFatal
+    int32_t readFrom; // offset in Mem
+    int32_t writeTo;  // offset in Mem, kDropped or kFatal
 };
 
 // Bytes of Mem that differ between two copies.
@@ -99,7 +99,7 @@ TEST(MemoryMap, EveryRow) {
 TEST(MemoryMap, TwoWindowsCanShowDifferentVideoPages) {
     TestMachine t;
     Bus& b = t.m().bus;
-    b.PortLatch[2] = 0x04;        // video at 0x4000 and at 0x8000
+    b.PortLatch[2] = 0x04;           // video at 0x4000 and at 0x8000
     b.PortLatch[0x0F] = 0x01 | 0x08; // page 1 at 0x4000, page 2 at 0x8000
     b.Mem[0x20000] = 1;
     b.Mem[0x24000] = 2;
@@ -139,8 +139,8 @@ TEST(MemoryMap, VideoErrorHookOnlyOnTheWindowAt8000) {
     TestMachine t;
     Bus& b = t.m().bus;
     b.VideoErrorEnabled = 1;
-    b.PortLatch[2] = 0x04;      // both windows show video
-    b.PortLatch[0x0F] = 0x04;   // page 1 at 0x8000, page 0 at 0x4000
+    b.PortLatch[2] = 0x04;    // both windows show video
+    b.PortLatch[0x0F] = 0x04; // page 1 at 0x8000, page 0 at 0x4000
     b.Mem[0x10100] = 0x40;
     b.Mem[0x20100] = 0x01;
     EXPECT_EQ(MemRead(t.m(), 0x4100), 0x40); // no hook

@@ -104,8 +104,10 @@ TEST(PortWrites, Port6StampsTheLevelIntoThisMomentsSlot) {
     struct Case {
         int32_t frameT;
         int value, slot, stamp;
-    } cases[] = {{0, 0x80, 0, 16},           {141, 0xBC, 0, 31},
-                 {142 * 10 + 5, 0x84, 10, 17}, {62500, 0xFF, 440, 31},
+    } cases[] = {{0, 0x80, 0, 16},
+                 {141, 0xBC, 0, 31},
+                 {142 * 10 + 5, 0x84, 10, 17},
+                 {62500, 0xFF, 440, 31},
                  {62600, 0x88, 440, 18}};
     for (const Case& k : cases) {
         TestMachine t;
@@ -199,7 +201,8 @@ TEST(PortReads, UnknownReadsAreLoggedAnswering255) {
 TEST(PortLog, ReadsClearAt101EntriesWritesAfter35) {
     TestMachine t;
     auto& list = t.m().forms.TScreen.List1;
-    for (int i = 0; i < 101; ++i) PortIn(t.m(), 0x31);
+    for (int i = 0; i < 101; ++i)
+        PortIn(t.m(), 0x31);
     EXPECT_EQ(list.size(), 101u);
     PortIn(t.m(), 0x31);
     EXPECT_EQ(list.size(), 1u);
@@ -214,7 +217,8 @@ TEST(PortLog, ReadsClearAt101EntriesWritesAfter35) {
 TEST(PortWrites, SoundCardPageComesFromTheRomFile) {
     TestMachine t;
     std::vector<uint8_t> rom(32768);
-    for (size_t i = 0; i < rom.size(); ++i) rom[i] = static_cast<uint8_t>(i / 8192 + 1);
+    for (size_t i = 0; i < rom.size(); ++i)
+        rom[i] = static_cast<uint8_t>(i / 8192 + 1);
     t.dir->Write("sndmx.rom", rom);
     for (int value : {0, 1, 6, 0x37}) {
         Out(t.m(), 0x36 + (value & 1), value);

@@ -24,7 +24,8 @@ TEST_F(Tagged, ErrorTextsInTheirOrder) {
     } expect[] = {
         {[&] { return m.CreateMap("Zero", 0); }, "Size must be at least 1 byte"},
         {[&] { return m.OpenMap("Zero", 0); }, "Size must be at least 1 byte"},
-        {[&] { return m.ReadMap(buf, 5); }, "Size must not exceed mapped size"}, // before the open test
+        {[&] { return m.ReadMap(buf, 5); },
+         "Size must not exceed mapped size"}, // before the open test
         {[&] { return m.ReadMap(buf, 0); }, "ReadMap: Map not open"},
         {[&] { return m.WriteMap(buf, 1); }, "Size must not exceed mapped size"},
         {[&] { return m.WriteMap(buf, 0); }, "WriteMap: Map not open"},

@@ -43,7 +43,8 @@ struct Player : ::testing::Test {
         std::vector<std::string> all = {TVC_SNDPIPE_BIN};
         all.insert(all.end(), args.begin(), args.end());
         std::vector<char*> argv;
-        for (auto& a : all) argv.push_back(a.data());
+        for (auto& a : all)
+            argv.push_back(a.data());
         argv.push_back(nullptr);
         posix_spawn_file_actions_t fa;
         posix_spawn_file_actions_init(&fa);
@@ -113,8 +114,8 @@ TEST_F(Player, WritesWhatItPlaysToAWaveFile) {
     ASSERT_GE(data.size(), 44u + kAudioUnitBytes);
     const uint32_t bytes = data[40] | data[41] << 8 | data[42] << 16 | data[43] << 24;
     EXPECT_EQ(bytes, data.size() - 44);
-    EXPECT_EQ(data[22], 2);         // stereo
-    EXPECT_EQ(data[44], 10);        // the first unit
+    EXPECT_EQ(data[22], 2);  // stereo
+    EXPECT_EQ(data[44], 10); // the first unit
     EXPECT_EQ(data[44 + kAudioUnitBytes], 11);
     EXPECT_LE(bytes / kAudioUnitBytes, static_cast<uint32_t>(units));
 }
@@ -144,7 +145,7 @@ TEST_F(Player, EndsWithItsEmulator) {
 
 // The emulator's own stand-in when the player cannot be started.
 class CompanionHost : public RecordingHost {
-public:
+  public:
     AudioCompanion* audio = nullptr;
     void Sleep(int ms) override {
         audio->ServeWait();
@@ -166,7 +167,8 @@ TEST(AudioCompanion, MissingPlayerIsStoodInForAtTheSamePace) {
         m->sound.BlockIndex = 5;
         SoundFrame(*m);
     }
-    const auto ms = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start).count();
+    const auto ms =
+        std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start).count();
     EXPECT_GE(ms, 350); // five deliveries at one every 100 ms
     EXPECT_LE(ms, 2000);
 }

@@ -14,7 +14,7 @@ namespace tvc::test {
 namespace {
 
 class PlayerHost : public RecordingHost {
-public:
+  public:
     std::function<void(int)> onSleep;
     int sleeps = 0;
     void Sleep(int) override {
@@ -56,7 +56,9 @@ TEST_F(Link, AskingPlayerGetsTheUnitAtOnce) {
 }
 
 TEST_F(Link, FullBufferWaitsForAPlayerThatHasNotAskedYet) {
-    host.onSleep = [&](int n) { if (n == 3) player.Ask(); };
+    host.onSleep = [&](int n) {
+        if (n == 3) player.Ask();
+    };
     SoundFrame(*m);
     EXPECT_EQ(host.sleeps, 3);
     EXPECT_EQ(player.Handshake(), kHandshakeDelivered);

@@ -76,7 +76,7 @@ TEST(ToneGenerator, LevelLineHoldsBetweenEventsAndAcrossBlocks) {
     EXPECT_EQ(out[30], 15);
     EXPECT_EQ(slots[30], 0); // consumed
     TvcToneBlock(t.m());
-    EXPECT_EQ(out[0], 15);   // LastDacLevel carries on
+    EXPECT_EQ(out[0], 15); // LastDacLevel carries on
     EXPECT_EQ(t.m().sound.Tone.LastDacLevel, 15);
 }
 
@@ -98,15 +98,15 @@ TEST(Mix, WeightsAndEightBitWrap) {
         uint8_t left, right;
     } cases[] = {
         {0, 0, 0, 0, 0, 0, 0, 0, 128, 128},
-        {100, 0, 0, 0, 0, 0, 0, 0, 178, 178},      // tone at half weight
-        {0, 20, -20, 0, 0, 0, 0, 0, 148, 108},     // only the SAA1099 is stereo
-        {0, 0, 0, 100, 0, 0, 0, 0, 138, 138},      // SN76489 at a tenth
-        {0, 0, 0, 0, 40, 40, 0, 0, 168, 168},      // both FM chips at half
-        {0, 0, 0, 0, 0, 0, 25, 0, 130, 130},       // SID 2.5 rounds to even
-        {0, 0, 0, 0, 0, 0, 35, 0, 132, 132},       // SID 3.5 rounds to even
-        {0, 0, 0, 0, 0, 0, 0, 200, 72, 72},        // 328 wraps to 72, no clip
+        {100, 0, 0, 0, 0, 0, 0, 0, 178, 178},       // tone at half weight
+        {0, 20, -20, 0, 0, 0, 0, 0, 148, 108},      // only the SAA1099 is stereo
+        {0, 0, 0, 100, 0, 0, 0, 0, 138, 138},       // SN76489 at a tenth
+        {0, 0, 0, 0, 40, 40, 0, 0, 168, 168},       // both FM chips at half
+        {0, 0, 0, 0, 0, 0, 25, 0, 130, 130},        // SID 2.5 rounds to even
+        {0, 0, 0, 0, 0, 0, 35, 0, 132, 132},        // SID 3.5 rounds to even
+        {0, 0, 0, 0, 0, 0, 0, 200, 72, 72},         // 328 wraps to 72, no clip
         {105, 120, 120, 0, 0, 0, 0, 100, 144, 144}, // 52.5 + 120 + 100 + 128 = 400.5 -> 400 -> 144
-        {0, -200, 0, 0, 0, 0, 0, 0, 184, 128},     // -72 wraps to 184
+        {0, -200, 0, 0, 0, 0, 0, 0, 184, 128},      // -72 wraps to 184
     };
     for (const Case& k : cases) {
         TestMachine t;
@@ -144,7 +144,9 @@ TEST(WaveImage, OneSecondOfSilenceWithItsHeader) {
     SoundInit(t.m());
     const auto& w = t.m().sound.WaveImage;
     ASSERT_EQ(w.size(), 22094u);
-    auto u32 = [&](size_t at) { return w[at] | w[at + 1] << 8 | w[at + 2] << 16 | w[at + 3] << 24; };
+    auto u32 = [&](size_t at) {
+        return w[at] | w[at + 1] << 8 | w[at + 2] << 16 | w[at + 3] << 24;
+    };
     auto u16 = [&](size_t at) { return w[at] | w[at + 1] << 8; };
     EXPECT_EQ(std::string(w.begin(), w.begin() + 4), "RIFF");
     EXPECT_EQ(u32(4), 22086u);

@@ -16,8 +16,8 @@ namespace fs = std::filesystem;
 ScratchDir::ScratchDir() {
     static std::mt19937_64 rng{std::random_device{}()};
     previous_ = fs::current_path();
-    dir_ = fs::temp_directory_path() / ("tvc-test-" + std::to_string(getpid()) + "-" +
-                                        std::to_string(rng()));
+    dir_ = fs::temp_directory_path() /
+           ("tvc-test-" + std::to_string(getpid()) + "-" + std::to_string(rng()));
     fs::create_directories(dir_);
     fs::current_path(dir_);
 }
@@ -30,7 +30,8 @@ ScratchDir::~ScratchDir() {
 
 void ScratchDir::Write(const std::string& name, const std::vector<uint8_t>& bytes) const {
     std::ofstream out(dir_ / name, std::ios::binary);
-    out.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    out.write(reinterpret_cast<const char*>(bytes.data()),
+              static_cast<std::streamsize>(bytes.size()));
 }
 
 void WriteRomSet(const ScratchDir& dir, uint8_t fill) {
@@ -54,7 +55,8 @@ void TestMachine::Load(int32_t address, const std::vector<uint8_t>& bytes, bool 
 }
 
 void TestMachine::Step(int count) {
-    for (int i = 0; i < count; ++i) RunPass(*machine);
+    for (int i = 0; i < count; ++i)
+        RunPass(*machine);
 }
 
 } // namespace tvc::test

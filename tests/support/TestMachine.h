@@ -13,7 +13,7 @@
 namespace tvc::test {
 
 class RecordingHost : public Host {
-public:
+  public:
     struct Message {
         std::string text, title;
     };
@@ -40,7 +40,7 @@ public:
 // A fresh scratch directory that is removed with the object. While it lives
 // it is the process's working directory.
 class ScratchDir {
-public:
+  public:
     ScratchDir();
     ~ScratchDir();
     ScratchDir(const ScratchDir&) = delete;
@@ -49,7 +49,7 @@ public:
     // Writes a file of these bytes into the directory.
     void Write(const std::string& name, const std::vector<uint8_t>& bytes) const;
 
-private:
+  private:
     std::filesystem::path dir_, previous_;
 };
 

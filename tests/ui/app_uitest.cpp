@@ -12,7 +12,7 @@ using tvc::app::SingleInstance;
 
 class AppTest : public QObject {
     Q_OBJECT
-private slots:
+  private slots:
     void oneInstanceAtATimeAndNoStaleLockAfterACrash();
     void startsRunsAndClosesCleanly();
 };

@@ -27,7 +27,7 @@ namespace {
 
 // Records what the core says and serves the yield points like the app.
 class UiHost : public test::RecordingHost {
-public:
+  public:
     TScreen* window = nullptr;
     void DoEvents() override {
         ++doEvents;
@@ -64,7 +64,7 @@ void SendKey(QWidget* target, QEvent::Type type, quint32 scan, int qtKey,
 
 class TScreenTest : public QObject {
     Q_OBJECT
-private slots:
+  private slots:
     void menuEntriesStartAsTheFormDefinesThem();
     void physicalKeysReachTheirMatrixBits();
     void symbolicKeysAreTheFallback();
@@ -85,29 +85,52 @@ void TScreenTest::menuEntriesStartAsTheFormDefinesThem() {
         bool ticked, greyed;
     };
     const Row rows[] = {
-        {"xLoadCAS", "Load cas", false, false},  {"xSaveCAS", "Save cas", false, false},
-        {"xLoadSnap", "Load Snap", false, false}, {"xSaveSnap", "Save Snap", false, false},
-        {"xLoadCRT", "Load CRT", false, false},  {"xUnloadCRT", "Unload", false, false},
-        {"xSvaMEX4", "Save MEX4MB", false, true}, {"xio0", "I/O card 0: Floppy", false, true},
-        {"xio1", "I/O card 1: RS232", false, false}, {"xio2", "I/O card 2: SoundCard", true, false},
-        {"xio3", "I/O card 3: (IO3.rom)", false, false}, {"xSaveScrren", "Save Screen", false, false},
-        {"xMemDump", "Memory dump", false, false}, {"xReset", "Reset", false, false},
-        {"xReset2", "Reset2", false, false},     {"xdiskload", "Disk Load", false, true},
-        {"xTapeLoad", "Tape Load", false, false}, {"xFullsc", "FullScreen", false, false},
-        {"xScreenBW", "Screen BW", false, false}, {"xScreenDIB", "Screen DIB", true, false},
-        {"xScreenNoise", "Screen noise", false, false}, {"xSound", "Sound", true, false},
-        {"xNoError", "Ignore CPU error", false, true}, {"xUnDoc", "Undocumented", true, false},
-        {"x32KB", "32K", false, false},          {"xBasic", "Basic 2.2", false, false},
-        {"xS1", "Pause", false, false},          {"xS2", "0.5x", false, true},
-        {"xS3", "Normal", true, false},          {"xS4", "2x", false, true},
-        {"xS5", "4x", false, true},              {"xS6", "Max", false, false},
-        {"xTVCmon", "TVC monitor", false, false}, {"xDebug", "Z80 monitor", false, false},
-        {"xAsse", "Assembler", false, false},    {"xPrinter", "Printer", false, false},
-        {"xSerial", "Serial", false, false},     {"xsaa", "SAA1099", false, false},
-        {"xSN76", "SN76489", false, false},      {"xYM", "YM3812", false, false},
-        {"xYM2", "YM2413", false, false},        {"xSID", "SID6581", false, false},
-        {"xAY3", "AY-3-8910", false, false},     {"xErrorSim", "ErrorSim", false, false},
-        {"xTools", "Tools", false, false},       {"xHelp", "Help", false, false},
+        {"xLoadCAS", "Load cas", false, false},
+        {"xSaveCAS", "Save cas", false, false},
+        {"xLoadSnap", "Load Snap", false, false},
+        {"xSaveSnap", "Save Snap", false, false},
+        {"xLoadCRT", "Load CRT", false, false},
+        {"xUnloadCRT", "Unload", false, false},
+        {"xSvaMEX4", "Save MEX4MB", false, true},
+        {"xio0", "I/O card 0: Floppy", false, true},
+        {"xio1", "I/O card 1: RS232", false, false},
+        {"xio2", "I/O card 2: SoundCard", true, false},
+        {"xio3", "I/O card 3: (IO3.rom)", false, false},
+        {"xSaveScrren", "Save Screen", false, false},
+        {"xMemDump", "Memory dump", false, false},
+        {"xReset", "Reset", false, false},
+        {"xReset2", "Reset2", false, false},
+        {"xdiskload", "Disk Load", false, true},
+        {"xTapeLoad", "Tape Load", false, false},
+        {"xFullsc", "FullScreen", false, false},
+        {"xScreenBW", "Screen BW", false, false},
+        {"xScreenDIB", "Screen DIB", true, false},
+        {"xScreenNoise", "Screen noise", false, false},
+        {"xSound", "Sound", true, false},
+        {"xNoError", "Ignore CPU error", false, true},
+        {"xUnDoc", "Undocumented", true, false},
+        {"x32KB", "32K", false, false},
+        {"xBasic", "Basic 2.2", false, false},
+        {"xS1", "Pause", false, false},
+        {"xS2", "0.5x", false, true},
+        {"xS3", "Normal", true, false},
+        {"xS4", "2x", false, true},
+        {"xS5", "4x", false, true},
+        {"xS6", "Max", false, false},
+        {"xTVCmon", "TVC monitor", false, false},
+        {"xDebug", "Z80 monitor", false, false},
+        {"xAsse", "Assembler", false, false},
+        {"xPrinter", "Printer", false, false},
+        {"xSerial", "Serial", false, false},
+        {"xsaa", "SAA1099", false, false},
+        {"xSN76", "SN76489", false, false},
+        {"xYM", "YM3812", false, false},
+        {"xYM2", "YM2413", false, false},
+        {"xSID", "SID6581", false, false},
+        {"xAY3", "AY-3-8910", false, false},
+        {"xErrorSim", "ErrorSim", false, false},
+        {"xTools", "Tools", false, false},
+        {"xHelp", "Help", false, false},
     };
     for (const Row& r : rows) {
         QAction* a = f.w->Item(r.name);
@@ -116,7 +139,8 @@ void TScreenTest::menuEntriesStartAsTheFormDefinesThem() {
         QCOMPARE(a->isChecked(), r.ticked);
         QCOMPARE(!a->isEnabled(), r.greyed);
     }
-    for (const char* sep : {"semmi", "semmi2", "semmi3", "semmi4"}) QVERIFY(f.w->Item(sep)->isSeparator());
+    for (const char* sep : {"semmi", "semmi2", "semmi3", "semmi4"})
+        QVERIFY(f.w->Item(sep)->isSeparator());
     QCOMPARE(f.w->windowTitle(), QString("LUMEKTVC"));
 }
 
@@ -128,11 +152,11 @@ void TScreenTest::physicalKeysReachTheirMatrixBits() {
         quint32 scan;
         int row, bit;
     } keys[] = {
-        {49, 0, 3}, {10, 0, 6}, {94, 0, 5},  {19, 1, 6}, {20, 1, 3}, {21, 1, 5}, {63, 1, 4},
-        {82, 1, 0}, {24, 2, 6}, {29, 2, 4},  {72, 2, 5}, {71, 2, 3}, {34, 3, 3}, {35, 3, 5},
-        {73, 3, 4}, {74, 3, 0}, {38, 4, 6},  {86, 4, 5}, {106, 4, 3}, {47, 5, 6}, {51, 5, 5},
-        {48, 5, 3}, {36, 5, 4}, {22, 5, 0},  {52, 6, 6}, {66, 6, 5}, {50, 6, 3}, {62, 6, 3},
-        {61, 7, 6}, {65, 7, 5}, {37, 7, 4},  {115, 7, 3}, {60, 7, 2}, {59, 7, 1}, {113, 8, 6},
+        {49, 0, 3},  {10, 0, 6}, {94, 0, 5}, {19, 1, 6},  {20, 1, 3},  {21, 1, 5},  {63, 1, 4},
+        {82, 1, 0},  {24, 2, 6}, {29, 2, 4}, {72, 2, 5},  {71, 2, 3},  {34, 3, 3},  {35, 3, 5},
+        {73, 3, 4},  {74, 3, 0}, {38, 4, 6}, {86, 4, 5},  {106, 4, 3}, {47, 5, 6},  {51, 5, 5},
+        {48, 5, 3},  {36, 5, 4}, {22, 5, 0}, {52, 6, 6},  {66, 6, 5},  {50, 6, 3},  {62, 6, 3},
+        {61, 7, 6},  {65, 7, 5}, {37, 7, 4}, {115, 7, 3}, {60, 7, 2},  {59, 7, 1},  {113, 8, 6},
         {114, 8, 5}, {76, 8, 4}, {75, 8, 3}, {116, 8, 2}, {111, 8, 1}, {118, 8, 0},
     };
     for (const auto& k : keys) {
@@ -215,7 +239,8 @@ void TScreenTest::lightPenFollowsTheMouseOverThePicture() {
     // The picture point (64 + 17, 40 + 45) is x 17, y 45 in PicD: row 2, byte 2.
     const QRectF target = f.w->PicD->TargetRect();
     const double sx = target.width() / tvc::kWindowWidth, sy = target.height() / tvc::kWindowHeight;
-    QTest::mouseMove(f.w->PicD, QPoint(int(target.left() + (81.5) * sx), int(target.top() + 85.5 * sy)));
+    QTest::mouseMove(f.w->PicD,
+                     QPoint(int(target.left() + (81.5) * sx), int(target.top() + 85.5 * sy)));
     QTest::qWait(20);
     LPENRefresh(*f.m);
     QCOMPARE(f.m->crtc.CrtcReg[16], 0);
@@ -258,10 +283,10 @@ void TScreenTest::pauseResumeAndResetSequences() {
     f.w->Command1Click();
     QVERIFY(f.w->Item("xS1")->isChecked());
     QVERIFY(f.m->run.FrameCount > 0);
-    f.w->Click("xReset");                  // reset while paused: taken when running again
+    f.w->Click("xReset"); // reset while paused: taken when running again
     QCOMPARE(f.m->cpu.ResetRequest, 1);
     ticks = 1;
-    f.w->Click("xS1");                     // resume; the timer pauses it again
+    f.w->Click("xS1"); // resume; the timer pauses it again
     QVERIFY(f.w->Item("xS1")->isChecked());
     QVERIFY(f.w->Item("xS3")->isChecked());
     QCOMPARE(f.m->cpu.ResetRequest, 0);

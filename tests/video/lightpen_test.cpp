@@ -10,8 +10,8 @@ TEST(LightPen, AddressReachesTheCrtcOnlyAtTheFrameEnd) {
     const struct {
         double x, y;
         int high, low;
-    } cases[] = {{0, 0, 0, 0},        {7.4, 19.4, 0, 0},  {8, 20, 0, 65},
-                 {511, 0, 0, 63},     {0, 40, 0, 128},    {100.5, 500.5, 6, 76}, // 100 and 500 (halves to even)
+    } cases[] = {{0, 0, 0, 0},        {7.4, 19.4, 0, 0},     {8, 20, 0, 65}, {511, 0, 0, 63},
+                 {0, 40, 0, 128},     {100.5, 500.5, 6, 76}, // 100 and 500 (halves to even)
                  {511, 1279, 15, 255}};
     for (const auto& k : cases) {
         TestMachine t;

@@ -31,7 +31,7 @@ inline std::string Hex(const std::vector<uint8_t>& bytes) {
 }
 
 class CpuTest : public ::testing::Test {
-protected:
+  protected:
     static constexpr int32_t kOrg = 0x1000;
 
     TestMachine tm;
@@ -62,6 +62,15 @@ protected:
 };
 
 // Flag bits of the byte PUSH AF stores.
-enum : int32_t { fS = 0x80, fZ = 0x40, fY = 0x20, fH = 0x10, fX = 0x08, fP = 0x04, fN = 0x02, fC = 0x01 };
+enum : int32_t {
+    fS = 0x80,
+    fZ = 0x40,
+    fY = 0x20,
+    fH = 0x10,
+    fX = 0x08,
+    fP = 0x04,
+    fN = 0x02,
+    fC = 0x01
+};
 
 } // namespace tvc::test

@@ -48,12 +48,12 @@ TEST(AluHelpers, FlagsOverBoundaryOperands) {
         {Sbc, 0x10, 0x0F, 1, 0x00, 0, 1, 1, 0, 1, 0},
         {Sbc, 0x00, 0x00, 1, 0xFF, 1, 0, 1, 0, 1, 1},
         {Sbc, 0x7F, 0xFF, 0, 0x80, 1, 0, 0, 1, 1, 1},
-        {Cp, 0x05, 0x05, 0, 0x05, 0, 1, 0, 0, 1, 0},  // A kept
+        {Cp, 0x05, 0x05, 0, 0x05, 0, 1, 0, 0, 1, 0}, // A kept
         {Cp, 0x05, 0x06, 0, 0x05, 1, 0, 1, 0, 1, 1},
-        {And, 0xF0, 0x3C, 1, 0x30, 0, 0, 1, 1, 0, 0},  // parity even
+        {And, 0xF0, 0x3C, 1, 0x30, 0, 0, 1, 1, 0, 0}, // parity even
         {And, 0xF0, 0x0F, 1, 0x00, 0, 1, 1, 1, 0, 0},
         {Or, 0x80, 0x01, 1, 0x81, 1, 0, 0, 1, 0, 0},
-        {Or, 0x00, 0x07, 1, 0x07, 0, 0, 0, 0, 0, 0},   // parity odd
+        {Or, 0x00, 0x07, 1, 0x07, 0, 0, 0, 0, 0, 0}, // parity odd
         {Xor, 0xFF, 0xFF, 1, 0x00, 0, 1, 0, 1, 0, 0},
         {Xor, 0x0F, 0x01, 0, 0x0E, 0, 0, 0, 0, 0, 0},
     };
@@ -101,8 +101,8 @@ TEST(AluHelpers, IncAndDecByte) {
         bool inc;
         int in, out, S, Z, H, P, N;
     } cases[] = {
-        {true, 0x00, 0x01, 0, 0, 0, 0, 0}, {true, 0x0F, 0x10, 0, 0, 1, 0, 0},
-        {true, 0x7F, 0x80, 1, 0, 1, 1, 0}, {true, 0xFF, 0x00, 0, 1, 1, 0, 0},
+        {true, 0x00, 0x01, 0, 0, 0, 0, 0},  {true, 0x0F, 0x10, 0, 0, 1, 0, 0},
+        {true, 0x7F, 0x80, 1, 0, 1, 1, 0},  {true, 0xFF, 0x00, 0, 1, 1, 0, 0},
         {false, 0x01, 0x00, 0, 1, 0, 0, 1}, {false, 0x00, 0xFF, 1, 0, 1, 0, 1},
         {false, 0x80, 0x7F, 0, 0, 1, 1, 1}, {false, 0x10, 0x0F, 0, 0, 1, 0, 1},
     };
@@ -129,13 +129,13 @@ TEST(AluHelpers, Daa) {
         int a, N, H, C;
         int out, outC, outN, outH;
     } cases[] = {
-        {0x0A, 0, 0, 0, 0x10, 0, 0, 1},  // low nibble corrected
-        {0x9A, 0, 0, 0, 0x00, 1, 0, 1},  // both nibbles, carry out
-        {0x15, 0, 1, 0, 0x1B, 0, 0, 0},  // half carry in forces 6
-        {0x45, 0, 0, 1, 0xA5, 1, 0, 0},  // carry in forces 0x60, carry stays
-        {0x99, 0, 0, 0, 0x99, 0, 0, 0},  // already decimal
-        {0x0F, 1, 1, 0, 0x09, 0, 1, 0},  // after a subtraction: through SubA
-        {0xA0, 1, 0, 0, 0x40, 1, 1, 0},  // above 159: 0x60 taken off, carry set
+        {0x0A, 0, 0, 0, 0x10, 0, 0, 1}, // low nibble corrected
+        {0x9A, 0, 0, 0, 0x00, 1, 0, 1}, // both nibbles, carry out
+        {0x15, 0, 1, 0, 0x1B, 0, 0, 0}, // half carry in forces 6
+        {0x45, 0, 0, 1, 0xA5, 1, 0, 0}, // carry in forces 0x60, carry stays
+        {0x99, 0, 0, 0, 0x99, 0, 0, 0}, // already decimal
+        {0x0F, 1, 1, 0, 0x09, 0, 1, 0}, // after a subtraction: through SubA
+        {0xA0, 1, 0, 0, 0x40, 1, 1, 0}, // above 159: 0x60 taken off, carry set
     };
     TestMachine t;
     Z80& c = t.cpu();
@@ -160,8 +160,10 @@ TEST(AluHelpers, AddHLKeepsSZPAndSetsHalfCarryFromBit11) {
     Z80& c = t.cpu();
     struct Case {
         int hl, v, out, H, C;
-    } cases[] = {{0x0FFF, 0x0001, 0x1000, 1, 0}, {0xFFFF, 0x0001, 0x0000, 1, 1},
-                 {0x8000, 0x8000, 0x0000, 0, 1}, {0x1234, 0x1111, 0x2345, 0, 0}};
+    } cases[] = {{0x0FFF, 0x0001, 0x1000, 1, 0},
+                 {0xFFFF, 0x0001, 0x0000, 1, 1},
+                 {0x8000, 0x8000, 0x0000, 0, 1},
+                 {0x1234, 0x1111, 0x2345, 0, 0}};
     for (const Case& k : cases) {
         c.SetHL(k.hl);
         c.FlagS = c.FlagZ = c.FlagP = 1;

@@ -15,8 +15,8 @@ constexpr int32_t kOrg = 0x8000; // in RAM U2 with the test paging
 struct CostCase {
     const char* name;
     std::vector<uint8_t> code;
-    int Z, C;        // flags before
-    int B;           // RegB before (DJNZ)
+    int Z, C; // flags before
+    int B;    // RegB before (DJNZ)
     int tstates, rStep;
     int32_t pcAfter; // absolute
 };
@@ -138,14 +138,12 @@ TEST(BaseExecutor, RotatesOfAAndCarryOps) {
         uint8_t op;
         int a, c, outA, outC, H, N;
     } cases[] = {
-        {0x07, 0x81, 0, 0x03, 1, 0, 0}, // RLCA
-        {0x0F, 0x01, 0, 0x80, 1, 0, 0}, // RRCA
-        {0x17, 0x80, 0, 0x00, 1, 0, 0}, // RLA
-        {0x17, 0x00, 1, 0x01, 0, 0, 0},
-        {0x1F, 0x01, 0, 0x00, 1, 0, 0}, // RRA
-        {0x1F, 0x00, 1, 0x80, 0, 0, 0},
-        {0x2F, 0x5A, 0, 0xA5, 0, 1, 1}, // CPL
-        {0x37, 0x00, 0, 0x00, 1, 0, 0}, // SCF
+        {0x07, 0x81, 0, 0x03, 1, 0, 0},                                 // RLCA
+        {0x0F, 0x01, 0, 0x80, 1, 0, 0},                                 // RRCA
+        {0x17, 0x80, 0, 0x00, 1, 0, 0},                                 // RLA
+        {0x17, 0x00, 1, 0x01, 0, 0, 0}, {0x1F, 0x01, 0, 0x00, 1, 0, 0}, // RRA
+        {0x1F, 0x00, 1, 0x80, 0, 0, 0}, {0x2F, 0x5A, 0, 0xA5, 0, 1, 1}, // CPL
+        {0x37, 0x00, 0, 0x00, 1, 0, 0},                                 // SCF
         {0x3F, 0x00, 1, 0x00, 0, 1, 0}, // CCF: H takes the old carry
         {0x3F, 0x00, 0, 0x00, 1, 0, 0},
     };
@@ -197,8 +195,8 @@ TEST(BaseExecutor, CallAndRetStepTheStackPointerWithoutWrap) {
 TEST(BaseExecutor, ProgramCounterRunsPastFFFFWithoutWrapping) {
     TestMachine t;
     Z80& c = t.cpu();
-    t.Load(0xFFFF, {0x00});          // NOP at the top of RAM
-    t.m().bus.Mem[0x10000] = 0x3C;   // INC A, where address 65536 lands
+    t.Load(0xFFFF, {0x00});        // NOP at the top of RAM
+    t.m().bus.Mem[0x10000] = 0x3C; // INC A, where address 65536 lands
     c.RegA = 1;
     t.Step(2);
     EXPECT_EQ(c.RegPC, 0x10001);

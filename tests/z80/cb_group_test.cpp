@@ -12,14 +12,14 @@ TEST_F(CbGroup, CostsFollowTheTimingTable) {
         uint8_t op;
         int32_t t;
     } rows[] = {
-        {0x00, 2},  {0x06, 4},  {0x07, 2},                           // RLC r, (HL)
-        {0x09, 8},  {0x0E, 15}, {0x12, 8},  {0x16, 15},              // RRC, RL
-        {0x1B, 8},  {0x1E, 15}, {0x24, 8},  {0x26, 15},              // RR, SLA
-        {0x2D, 8},  {0x2E, 15}, {0x37, 8},  {0x36, 15},              // SRA, SLL
-        {0x38, 8},  {0x3E, 15},                                      // SRL
-        {0x40, 4},  {0x46, 12}, {0x76, 12}, {0x7E, 4},  {0x7F, 4},   // BIT; BIT 7,(HL) is 4
-        {0x80, 2},  {0x86, 2},  {0x9E, 2},  {0xBE, 2},  {0xBF, 2},   // RES: 2 everywhere
-        {0xC0, 8},  {0xC6, 15}, {0xDE, 15}, {0xFF, 8},               // SET
+        {0x00, 2}, {0x06, 4},  {0x07, 2},                         // RLC r, (HL)
+        {0x09, 8}, {0x0E, 15}, {0x12, 8},  {0x16, 15},            // RRC, RL
+        {0x1B, 8}, {0x1E, 15}, {0x24, 8},  {0x26, 15},            // RR, SLA
+        {0x2D, 8}, {0x2E, 15}, {0x37, 8},  {0x36, 15},            // SRA, SLL
+        {0x38, 8}, {0x3E, 15},                                    // SRL
+        {0x40, 4}, {0x46, 12}, {0x76, 12}, {0x7E, 4},  {0x7F, 4}, // BIT; BIT 7,(HL) is 4
+        {0x80, 2}, {0x86, 2},  {0x9E, 2},  {0xBE, 2},  {0xBF, 2}, // RES: 2 everywhere
+        {0xC0, 8}, {0xC6, 15}, {0xDE, 15}, {0xFF, 8},             // SET
     };
     for (const auto& row : rows) {
         cpu.SetHL(0x2000);
@@ -47,7 +47,7 @@ TEST_F(CbGroup, ShiftsAndRotatesSetTheFlagsOfTheResult) {
         {0x28, 0x81, 0, 0xC0, fS | fP | fC}, // SRA keeps bit 7
         {0x30, 0x00, 0, 0x01, 0},            // SLL: bit 0 set, never zero
         {0x30, 0x80, 0, 0x01, fC},
-        {0x38, 0x00, 1, 0x00, fZ | fP},      // SRL of 0
+        {0x38, 0x00, 1, 0x00, fZ | fP}, // SRL of 0
         {0x38, 0x81, 0, 0x40, fC},
     };
     for (int xy : {0, fX | fY}) {
@@ -75,11 +75,10 @@ TEST_F(CbGroup, BitSetsZPAndSFromTheTestedBit) {
         uint8_t op;
         int32_t value, flags;
     } rows[] = {
-        {0x78, 0x80, fS | fH},      // BIT 7,B set
-        {0x78, 0x7F, fZ | fP | fH}, // BIT 7,B clear
-        {0x40, 0x81, fH},           // BIT 0,B set: no S for another bit
-        {0x40, 0xFE, fZ | fP | fH},
-        {0x68, 0x20, fH},           // BIT 5,B
+        {0x78, 0x80, fS | fH},                        // BIT 7,B set
+        {0x78, 0x7F, fZ | fP | fH},                   // BIT 7,B clear
+        {0x40, 0x81, fH},                             // BIT 0,B set: no S for another bit
+        {0x40, 0xFE, fZ | fP | fH}, {0x68, 0x20, fH}, // BIT 5,B
     };
     for (int kept : {0, fC | fX | fY}) {
         for (const auto& row : rows) {
@@ -103,10 +102,14 @@ TEST_F(CbGroup, SllIsGatedByUndocEnabled) {
             Poke(0x2040, 0x40);
             const size_t unknown = UnknownOpcodes();
             const Cost c = Run({0xCB, op, 0x00});
-            const int32_t after = op == 0x36 ? Peek(0x2040) : op == 0x37 ? cpu.RegA
-                                  : op == 0x34 ? cpu.RegH : op == 0x35 ? cpu.RegL
-                                  : op == 0x30 ? cpu.RegB : op == 0x31 ? cpu.RegC
-                                  : op == 0x32 ? cpu.RegD : cpu.RegE;
+            const int32_t after = op == 0x36   ? Peek(0x2040)
+                                  : op == 0x37 ? cpu.RegA
+                                  : op == 0x34 ? cpu.RegH
+                                  : op == 0x35 ? cpu.RegL
+                                  : op == 0x30 ? cpu.RegB
+                                  : op == 0x31 ? cpu.RegC
+                                  : op == 0x32 ? cpu.RegD
+                                               : cpu.RegE;
             const int32_t before = op == 0x34 ? 0x20 : 0x40; // H is 0x20, all others 0x40
             if (undoc) {
                 EXPECT_EQ(c.t, op == 0x36 ? 15 : 8);

@@ -8,7 +8,7 @@ namespace tvc::test {
 namespace {
 
 class EdGroup : public CpuTest {
-protected:
+  protected:
     void SetUp() override {
         CpuTest::SetUp();
         cpu.SetHL(0x2000);
@@ -79,9 +79,10 @@ TEST_F(EdGroup, RetnAndRetiCostFourteenAndOnlyRetnCopiesIff2) {
 // Rows the published processor defines but this one does not, and rows no
 // processor defines: the opcode byte is stepped over at no cost.
 TEST_F(EdGroup, UndefinedRowsAreSteppedOverWithoutCost) {
-    const uint8_t undefined[] = {0x70, 0x71, 0xA2, 0xAA, 0xB2, 0xBA, 0xB3, 0xBB, // no IN F, OUT 0, INI..OTDR
-                                 0x4C, 0x54, 0x55, 0x5D, 0x4E, 0x66, 0x76, 0x7E, // no duplicates
-                                 0x00, 0x3F, 0x77, 0x7F, 0x80, 0xA4, 0xC0, 0xFF};
+    const uint8_t undefined[] = {
+        0x70, 0x71, 0xA2, 0xAA, 0xB2, 0xBA, 0xB3, 0xBB, // no IN F, OUT 0, INI..OTDR
+        0x4C, 0x54, 0x55, 0x5D, 0x4E, 0x66, 0x76, 0x7E, // no duplicates
+        0x00, 0x3F, 0x77, 0x7F, 0x80, 0xA4, 0xC0, 0xFF};
     for (uint8_t op : undefined) {
         cpu.RegB = 0x55;
         cpu.RegA = 0x66;
@@ -107,13 +108,13 @@ TEST_F(EdGroup, AdcAndSbcHlTakeTheNewCarryIntoTheHalfCarry) {
         uint8_t op; // ADC HL,BC or SBC HL,BC
         int32_t hl, bc, carryIn, result, flags;
     } rows[] = {
-        {0x4A, 0x0FFF, 0x0000, 1, 0x1000, 0},                // published: H = 1
-        {0x4A, 0xF0FF, 0x1F00, 0, 0x0FFF, fH | fC},          // published: H = 0
-        {0x4A, 0x7FFF, 0x0001, 0, 0x8000, fS | fH | fP},     // signed overflow
+        {0x4A, 0x0FFF, 0x0000, 1, 0x1000, 0},            // published: H = 1
+        {0x4A, 0xF0FF, 0x1F00, 0, 0x0FFF, fH | fC},      // published: H = 0
+        {0x4A, 0x7FFF, 0x0001, 0, 0x8000, fS | fH | fP}, // signed overflow
         {0x4A, 0xFFFF, 0x0000, 1, 0x0000, fZ | fH | fC},
-        {0x42, 0x1000, 0x0000, 1, 0x0FFF, fN},               // published: H = 1
+        {0x42, 0x1000, 0x0000, 1, 0x0FFF, fN}, // published: H = 1
         {0x42, 0x0000, 0x0001, 0, 0xFFFF, fS | fH | fN | fC},
-        {0x42, 0x8000, 0x0001, 0, 0x7FFF, fH | fP | fN},     // signed overflow
+        {0x42, 0x8000, 0x0001, 0, 0x7FFF, fH | fP | fN}, // signed overflow
         {0x42, 0x1234, 0x1233, 1, 0x0000, fZ | fN},
     };
     for (const auto& row : rows) {
@@ -180,7 +181,8 @@ TEST_F(EdGroup, BlockMovesCostAndRepeat) {
 // A repeating instruction is one pass of the run loop per round, and an
 // interrupt is taken between rounds with the ED byte as return address.
 TEST_F(EdGroup, LdirRoundsAreSeparateInstructionsWithInterruptsBetween) {
-    for (int32_t i = 0; i < 4; ++i) Poke(0x2000 + i, 0x10 + i);
+    for (int32_t i = 0; i < 4; ++i)
+        Poke(0x2000 + i, 0x10 + i);
     cpu.SetBC(4);
     cpu.IntMode = 1;
     const int32_t count0 = m.run.InstCount;
@@ -210,7 +212,8 @@ TEST_F(EdGroup, LdirRoundsAreSeparateInstructionsWithInterruptsBetween) {
 
 TEST_F(EdGroup, CpirRepeatsUntilAMatchOrBcRunsOut) {
     const uint8_t text[] = {1, 2, 3, 4, 5};
-    for (int i = 0; i < 5; ++i) Poke(0x2000 + i, text[i]);
+    for (int i = 0; i < 5; ++i)
+        Poke(0x2000 + i, text[i]);
     cpu.RegA = 3;
     cpu.SetBC(5);
     cpu.SetFlagsByte(fC);

@@ -12,10 +12,10 @@ namespace {
 constexpr uint8_t DD = 0xDD, FD = 0xFD;
 
 // The index rows as published in the tables, for the undefined-row sweep.
-const std::set<int> kDocumented = {
-    0x09, 0x19, 0x29, 0x39, 0x21, 0x22, 0x23, 0x2A, 0x2B, 0x34, 0x35, 0x36, 0x46, 0x4E, 0x56,
-    0x5E, 0x66, 0x6E, 0x7E, 0x70, 0x71, 0x72, 0x73, 0x74, 0x75, 0x77, 0x86, 0x8E, 0x96, 0x9E,
-    0xA6, 0xAE, 0xB6, 0xBE, 0xE1, 0xE3, 0xE5, 0xE9, 0xF9, 0xCB};
+const std::set<int> kDocumented = {0x09, 0x19, 0x29, 0x39, 0x21, 0x22, 0x23, 0x2A, 0x2B, 0x34,
+                                   0x35, 0x36, 0x46, 0x4E, 0x56, 0x5E, 0x66, 0x6E, 0x7E, 0x70,
+                                   0x71, 0x72, 0x73, 0x74, 0x75, 0x77, 0x86, 0x8E, 0x96, 0x9E,
+                                   0xA6, 0xAE, 0xB6, 0xBE, 0xE1, 0xE3, 0xE5, 0xE9, 0xF9, 0xCB};
 const std::set<int> kHalves = {
     0x24, 0x25, 0x26, 0x2C, 0x2D, 0x2E, 0x44, 0x45, 0x4C, 0x4D, 0x54, 0x55, 0x5C, 0x5D, 0x60, 0x61,
     0x62, 0x63, 0x64, 0x65, 0x67, 0x68, 0x69, 0x6A, 0x6B, 0x6C, 0x6D, 0x6F, 0x7C, 0x7D, 0x84, 0x85,
@@ -23,7 +23,7 @@ const std::set<int> kHalves = {
 const std::set<int> kOwnFd = {0xF0, 0xF1, 0xF2, 0xF3};
 
 class IndexGroup : public CpuTest {
-protected:
+  protected:
     void SetUp() override {
         CpuTest::SetUp();
         cpu.RegIX = 0x2000;
@@ -54,28 +54,29 @@ TEST_F(IndexGroup, DdAndFdCostsFollowTheirOwnTables) {
         {{0x4E, 0x05}, 19, 19, 1, 2, 2},
         {{0x56, 0x05}, 19, 19, 1, 2, 2},
         {{0x5E, 0x05}, 19, 19, 1, 2, 2},
-        {{0x66, 0x05}, 19, 19, 2, 2, 2},       // LD H,(IX+d)
+        {{0x66, 0x05}, 19, 19, 2, 2, 2}, // LD H,(IX+d)
         {{0x6E, 0x05}, 19, 19, 1, 2, 2},
-        {{0x7E, 0x05}, 19, 19, 2, 2, 2},       // LD A,(IX+d)
-        {{0x70, 0x05}, 19, 20, 1, 1, 2},       // LD (IX+d),r: 19 against 20
+        {{0x7E, 0x05}, 19, 19, 2, 2, 2}, // LD A,(IX+d)
+        {{0x70, 0x05}, 19, 20, 1, 1, 2}, // LD (IX+d),r: 19 against 20
         {{0x75, 0x05}, 19, 20, 1, 1, 2},
         {{0x77, 0x05}, 19, 20, 1, 1, 2},
-        {{0x86, 0x05}, 19, 19, 1, 1, 2},       // ADD A,(IX+d)
-        {{0x8E, 0x05}, 19, 19, 1, 4, 2},       // ADC
-        {{0x96, 0x05}, 19, 19, 1, 1, 2},       // SUB
-        {{0x9E, 0x05}, 19, 19, 1, 5, 2},       // SBC
+        {{0x86, 0x05}, 19, 19, 1, 1, 2}, // ADD A,(IX+d)
+        {{0x8E, 0x05}, 19, 19, 1, 4, 2}, // ADC
+        {{0x96, 0x05}, 19, 19, 1, 1, 2}, // SUB
+        {{0x9E, 0x05}, 19, 19, 1, 5, 2}, // SBC
         {{0xA6, 0x05}, 19, 19, 1, 1, 2},
-        {{0xBE, 0x05}, 19, 19, 1, 1, 2},       // CP
-        {{0xE1}, 10, 10, 1, 1, 1},             // POP IX
-        {{0xE3}, 23, 23, 2, 2, 1},             // EX (SP),IX
-        {{0xE5}, 15, 15, 1, 1, 1},             // PUSH IX
-        {{0xF9}, 10, 10, 2, 2, 1},             // LD SP,IX
+        {{0xBE, 0x05}, 19, 19, 1, 1, 2}, // CP
+        {{0xE1}, 10, 10, 1, 1, 1},       // POP IX
+        {{0xE3}, 23, 23, 2, 2, 1},       // EX (SP),IX
+        {{0xE5}, 15, 15, 1, 1, 1},       // PUSH IX
+        {{0xF9}, 10, 10, 2, 2, 1},       // LD SP,IX
     };
     for (uint8_t prefix : {DD, FD}) {
         for (const auto& row : rows) {
             SetUp();
             std::vector<uint8_t> bytes{prefix};
-            for (uint8_t b : row.rest) bytes.push_back(b);
+            for (uint8_t b : row.rest)
+                bytes.push_back(b);
             const Cost c = Run(bytes);
             EXPECT_EQ(c.t, prefix == DD ? row.tDD : row.tFD) << Hex(bytes);
             EXPECT_EQ(c.r, prefix == DD ? row.rDD : row.rFD) << Hex(bytes);
@@ -188,22 +189,22 @@ TEST_F(IndexGroup, HalvesAreTheHighAndLowBytesOfTheIndexRegister) {
     cpu.RegIX = 0x1234;
     Run({DD, 0x26, 0xAB}); // LD IXH,AB
     EXPECT_EQ(cpu.RegIX, 0xAB34);
-    Run({DD, 0x65});       // LD IXH,IXL
+    Run({DD, 0x65}); // LD IXH,IXL
     EXPECT_EQ(cpu.RegIX, 0x3434);
     cpu.RegIY = 0x00FF;
-    Run({FD, 0x2C});       // INC IYL
+    Run({FD, 0x2C}); // INC IYL
     EXPECT_EQ(cpu.RegIY, 0x0000);
     EXPECT_EQ(Flags() & (fZ | fH), fZ | fH);
-    Run({FD, 0x25});       // DEC IYH
+    Run({FD, 0x25}); // DEC IYH
     EXPECT_EQ(cpu.RegIY, 0xFF00);
     cpu.RegA = 0x01;
-    Run({FD, 0x84});       // ADD A,IYH
+    Run({FD, 0x84}); // ADD A,IYH
     EXPECT_EQ(cpu.RegA, 0x00);
     EXPECT_EQ(Flags() & (fZ | fC), fZ | fC);
     cpu.RegE = 0x77;
-    Run({DD, 0x6B});       // LD IXL,E
+    Run({DD, 0x6B}); // LD IXL,E
     EXPECT_EQ(cpu.RegIX, 0x3477);
-    Run({DD, 0x7C});       // LD A,IXH
+    Run({DD, 0x7C}); // LD A,IXH
     EXPECT_EQ(cpu.RegA, 0x34);
     EXPECT_EQ(cpu.HL(), 0x2200); // H and L untouched throughout
 }
@@ -234,22 +235,22 @@ TEST_F(IndexGroup, AddIyTakesItsHalfCarryFromIx) {
 
 TEST_F(IndexGroup, StackAndSixteenBitRows) {
     cpu.RegIX = 0xBEEF;
-    Run({DD, 0xE5});             // PUSH IX
+    Run({DD, 0xE5}); // PUSH IX
     EXPECT_EQ(cpu.RegSP, 0xDFFE);
-    Run({FD, 0xE1});             // POP IY
+    Run({FD, 0xE1}); // POP IY
     EXPECT_EQ(cpu.RegIY, 0xBEEF);
     Poke(0xE000, 0x34);
     Poke(0xE001, 0x12);
-    Run({FD, 0xE3});             // EX (SP),IY
+    Run({FD, 0xE3}); // EX (SP),IY
     EXPECT_EQ(cpu.RegIY, 0x1234);
     EXPECT_EQ(Peek(0xE000) | Peek(0xE001) << 8, 0xBEEF);
     Run({DD, 0x22, 0x00, 0x40}); // LD (4000),IX
     Run({FD, 0x2A, 0x00, 0x40}); // LD IY,(4000)
     EXPECT_EQ(cpu.RegIY, 0xBEEF);
-    Run({FD, 0xF9});             // LD SP,IY
+    Run({FD, 0xF9}); // LD SP,IY
     EXPECT_EQ(cpu.RegSP, 0xBEEF);
     cpu.RegIX = 0;
-    Run({DD, 0x2B});             // DEC IX wraps
+    Run({DD, 0x2B}); // DEC IX wraps
     EXPECT_EQ(cpu.RegIX, 0xFFFF);
     Run({DD, 0x23});
     EXPECT_EQ(cpu.RegIX, 0);

@@ -16,7 +16,9 @@ struct IrqSetup {
         t.cpu().RegSP = 0xA000;
         t.cpu().IntMode = 1;
     }
-    int32_t Stacked() { return MemRead(t.m(), t.cpu().RegSP) + 256 * MemRead(t.m(), t.cpu().RegSP + 1); }
+    int32_t Stacked() {
+        return MemRead(t.m(), t.cpu().RegSP) + 256 * MemRead(t.m(), t.cpu().RegSP + 1);
+    }
 };
 
 TEST(Interrupts, HaltRepeatsUntilAnInterruptMovesPastIt) {
@@ -130,7 +132,7 @@ TEST(Interrupts, PortSevenAcknowledges) {
     Z80& c = s.t.cpu();
     s.t.Load(kOrg, {0xD3, 0x07, 0xD3, 0x07}); // OUT (7),A twice
     c.IrqRequest = 1;
-    s.t.m().run.SoundTimer = 100000; // keep the tone generator's interrupt out of the way
+    s.t.m().run.SoundTimer = 100000;      // keep the tone generator's interrupt out of the way
     s.t.m().bus.PortLatch[0x59] &= ~0x10; // cursor/sound line pending
     s.t.Step();
     EXPECT_EQ(c.IrqRequest, 0);

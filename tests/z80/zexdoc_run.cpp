@@ -66,7 +66,7 @@ constexpr int32_t kMessageOffset = 1 + 3 * 20 + 4;
 constexpr int32_t kMessageLength = 30;
 
 class ExerciserHost : public Host {
-public:
+  public:
     int64_t unknownOpcodes = 0;
     std::vector<std::string> messages;
     void SetStatus(StatusField f, std::string_view text) override {
@@ -101,14 +101,17 @@ struct Console {
         const bool error = line.find("  ERROR") != std::string::npos;
         if (ok || error) {
             std::string name = line.substr(0, std::min<size_t>(line.size(), kMessageLength));
-            while (!name.empty() && name.back() == '.') name.pop_back();
+            while (!name.empty() && name.back() == '.')
+                name.pop_back();
             results.emplace_back(name, ok);
         }
         line.clear();
     }
 };
 
-int32_t Word(Machine& m, int32_t a) { return MemRead(m, a) | MemRead(m, a + 1) << 8; }
+int32_t Word(Machine& m, int32_t a) {
+    return MemRead(m, a) | MemRead(m, a + 1) << 8;
+}
 
 bool IsDescriptor(Machine& m, int32_t a, int32_t imageEnd) {
     return a >= kLoadAddress && a + kMessageOffset + kMessageLength < imageEnd &&
@@ -121,7 +124,8 @@ bool IsDescriptor(Machine& m, int32_t a, int32_t imageEnd) {
 int32_t FindTestTable(Machine& m, int32_t imageEnd) {
     for (int32_t a = kLoadAddress; a + 2 * 10 < imageEnd; ++a) {
         int32_t n = 0;
-        while (IsDescriptor(m, Word(m, a + 2 * n), imageEnd)) ++n;
+        while (IsDescriptor(m, Word(m, a + 2 * n), imageEnd))
+            ++n;
         if (n >= 10 && Word(m, a + 2 * n) == 0 && !IsDescriptor(m, Word(m, a - 2), imageEnd))
             return a;
     }
@@ -141,8 +145,10 @@ int main(int argc, char** argv) {
     const char* path = nullptr;
     int maxGroups = -1;
     for (int i = 1; i < argc; ++i) {
-        if (!std::strcmp(argv[i], "--groups") && i + 1 < argc) maxGroups = std::atoi(argv[++i]);
-        else path = argv[i];
+        if (!std::strcmp(argv[i], "--groups") && i + 1 < argc)
+            maxGroups = std::atoi(argv[++i]);
+        else
+            path = argv[i];
     }
     if (!path) {
         std::fprintf(stderr, "usage: tvc_zexdoc <zexdoc.com> [--groups N]\n");
@@ -168,7 +174,8 @@ int main(int argc, char** argv) {
     cpu.Z80Init();
     cpu.UndocEnabled = 1;
     m.bus.PortLatch[2] = 0xB0;
-    for (size_t i = 0; i < image.size(); ++i) MemWrite(m, kLoadAddress + int32_t(i), image[i]);
+    for (size_t i = 0; i < image.size(); ++i)
+        MemWrite(m, kLoadAddress + int32_t(i), image[i]);
     MemWrite(m, 0, 0x76); // the warm boot: the run ends when RegPC reaches it
     MemWrite(m, 5, 0xC9); // BDOS: served by the shim, then returns
     MemWrite(m, 6, kTopOfMemory & 255);
@@ -180,7 +187,8 @@ int main(int argc, char** argv) {
         return 1;
     }
     int32_t groups = 0;
-    while (Word(m, table + 2 * groups) != 0) ++groups;
+    while (Word(m, table + 2 * groups) != 0)
+        ++groups;
     std::printf("exerciser test table at %04X: %d groups\n", unsigned(table), int(groups));
     std::fflush(stdout);
 
@@ -227,7 +235,8 @@ int main(int argc, char** argv) {
         std::printf("MISMATCH: %s\n", what.c_str());
         ++failures;
     };
-    for (const std::string& msg : host.messages) fail("message box: " + msg);
+    for (const std::string& msg : host.messages)
+        fail("message box: " + msg);
     std::map<std::string, bool> seen;
     for (const auto& [group, ok] : console.results) {
         seen[group] = ok;

@@ -30,7 +30,9 @@ using Clock = std::chrono::steady_clock;
 namespace {
 
 volatile sig_atomic_t stopRequested = 0;
-void OnSignal(int) { stopRequested = 1; }
+void OnSignal(int) {
+    stopRequested = 1;
+}
 
 constexpr uint32_t kQueueUnits = 2;
 constexpr auto kUnitTime = std::chrono::milliseconds(100);
@@ -115,7 +117,8 @@ int main(int argc, char** argv) {
             // Ask while the queue is short, and never ahead of the wall clock
             // by more than the queue, whatever the device does.
             const auto due = static_cast<uint64_t>((now - start) / kUnitTime) + kQueueUnits;
-            if (!asked && SDL_GetQueuedAudioSize(dev) < kQueueUnits * kAudioUnitBytes && taken < due) {
+            if (!asked && SDL_GetQueuedAudioSize(dev) < kQueueUnits * kAudioUnitBytes &&
+                taken < due) {
                 link.Ask();
                 asked = true;
             }

@@ -19,28 +19,32 @@ namespace {
 constexpr int kTimerMs = 40; // two ticks a frame of pictures; fast enough to look live
 
 class PictureBox : public QWidget {
-public:
+  public:
     PictureBox(TScreen& screen, QWidget* parent) : QWidget(parent), screen_(screen) {
         setObjectName("FPic1");
         setMouseTracking(true);
         setAttribute(Qt::WA_OpaquePaintEvent);
     }
 
-protected:
+  protected:
     void paintEvent(QPaintEvent*) override {
         QPainter p(this);
         p.setRenderHint(QPainter::SmoothPixmapTransform, false);
         // Only the picture box, stretched: the border stays behind in the main window.
         const QRect picd = PicDRect(screen_.machine());
-        if (!picd.isEmpty()) p.drawImage(rect(), screen_.PicD->Picture(), picd);
-        else p.fillRect(rect(), Qt::black);
+        if (!picd.isEmpty())
+            p.drawImage(rect(), screen_.PicD->Picture(), picd);
+        else
+            p.fillRect(rect(), Qt::black);
     }
 
-private:
+  private:
     TScreen& screen_;
 };
 
-int DownToEight(double v) { return static_cast<int>(RoundHalfEven(v)) / 8 * 8; }
+int DownToEight(double v) {
+    return static_cast<int>(RoundHalfEven(v)) / 8 * 8;
+}
 
 } // namespace
 

@@ -19,21 +19,21 @@ QRect FullScreenPictureRect(QSize inner, QSize mainWindow);
 
 class FScreen : public QWidget {
     Q_OBJECT
-public:
+  public:
     explicit FScreen(TScreen& screen);
 
-    void Enter();            // xFullsc_Click
-    void Leave();            // Esc
-    void PictureReady() {}   // the timer takes the picture at its next tick
-    void Tick();             // Timer1
+    void Enter();          // xFullsc_Click
+    void Leave();          // Esc
+    void PictureReady() {} // the timer takes the picture at its next tick
+    void Tick();           // Timer1
     QWidget* FPic1() const { return pic_; }
 
-protected:
+  protected:
     void keyPressEvent(QKeyEvent*) override;
     void keyReleaseEvent(QKeyEvent*) override;
     bool eventFilter(QObject*, QEvent*) override;
 
-private:
+  private:
     TScreen& screen_;
     QWidget* pic_;
     QTimer* timer_;

@@ -21,7 +21,10 @@ struct MenuGroup {
 };
 
 inline constexpr std::array<MenuGroup, 5> kMenuGroups = {{
-    {"cFile", "File"}, {"xMedia", "Media"}, {"xOptions", "Options"}, {"xpseed", "Speed"},
+    {"cFile", "File"},
+    {"xMedia", "Media"},
+    {"xOptions", "Options"},
+    {"xpseed", "Speed"},
     {"cView", "View"},
 }};
 

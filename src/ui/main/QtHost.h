@@ -12,7 +12,7 @@ namespace tvc::ui {
 class TScreen;
 
 class QtHost final : public Host {
-public:
+  public:
     void SetWindow(TScreen* window) { window_ = window; }
 
     void DoEvents() override;
@@ -33,7 +33,7 @@ public:
     // test replaces it.
     std::function<void()> onFatal;
 
-private:
+  private:
     TScreen* window_ = nullptr;
 };
 

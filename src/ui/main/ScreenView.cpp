@@ -51,15 +51,21 @@ void ScreenView::paintEvent(QPaintEvent*) {
     p.drawImage(TargetRect(), picture_);
 }
 
-void ScreenView::keyPressEvent(QKeyEvent* e) { emit KeyDown(VirtualKey(*e), ShiftState(*e)); }
+void ScreenView::keyPressEvent(QKeyEvent* e) {
+    emit KeyDown(VirtualKey(*e), ShiftState(*e));
+}
 
 void ScreenView::keyReleaseEvent(QKeyEvent* e) {
     if (e->isAutoRepeat()) return;
     emit KeyUp(VirtualKey(*e), ShiftState(*e));
 }
 
-void ScreenView::focusInEvent(QFocusEvent*) { emit AllKeysUp(); }
-void ScreenView::focusOutEvent(QFocusEvent*) { emit AllKeysUp(); }
+void ScreenView::focusInEvent(QFocusEvent*) {
+    emit AllKeysUp();
+}
+void ScreenView::focusOutEvent(QFocusEvent*) {
+    emit AllKeysUp();
+}
 
 void ScreenView::mousePressEvent(QMouseEvent*) {
     emit AllKeysUp();

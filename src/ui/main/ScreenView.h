@@ -14,7 +14,7 @@ namespace tvc::ui {
 
 class ScreenView : public QWidget {
     Q_OBJECT
-public:
+  public:
     ScreenView(Machine& m, QWidget* parent = nullptr);
 
     // Takes the machine's latest picture and schedules a repaint.
@@ -26,13 +26,13 @@ public:
     // A widget position as a pixel of the picture (may lie outside it).
     QPointF ToPicture(QPointF widgetPos) const;
 
-signals:
+  signals:
     void KeyDown(int keycode, int shift);
     void KeyUp(int keycode, int shift);
     // Focus changes and mouse presses let go of every key.
     void AllKeysUp();
 
-protected:
+  protected:
     void paintEvent(QPaintEvent*) override;
     void keyPressEvent(QKeyEvent*) override;
     void keyReleaseEvent(QKeyEvent*) override;
@@ -42,7 +42,7 @@ protected:
     void mouseMoveEvent(QMouseEvent*) override;
     bool focusNextPrevChild(bool) override { return false; } // Tab belongs to the machine
 
-private:
+  private:
     Machine& m_;
     QImage picture_;
 };

@@ -39,11 +39,10 @@ bool MenuState::*MenuField(const std::string& name) {
     return nullptr;
 }
 
-const char* kChangeLog =
-    "TVC emulator\n\n"
-    "An emulator of the Videoton TV Computer (32K, 64K, 64K+).\n"
-    "F1: reset, F2: cold reset. The keyboard follows the Hungarian layout\n"
-    "by key position: the key left of 1 is 0, Z and Y are swapped.\n";
+const char* kChangeLog = "TVC emulator\n\n"
+                         "An emulator of the Videoton TV Computer (32K, 64K, 64K+).\n"
+                         "F1: reset, F2: cold reset. The keyboard follows the Hungarian layout\n"
+                         "by key position: the key left of 1 is 0, Z and Y are swapped.\n";
 
 } // namespace
 
@@ -56,8 +55,8 @@ TScreen::TScreen(Machine& m) : m_(m) {
     fullScreen = new FScreen(*this);
     cpumon = new CPUmon(*this);
     // The drawing area keeps its size in pixels; menu and status panel come on top.
-    resize(tvc::kWindowWidth, tvc::kWindowHeight + menuBar()->sizeHint().height() +
-                                  Frame3->sizeHint().height());
+    resize(tvc::kWindowWidth,
+           tvc::kWindowHeight + menuBar()->sizeHint().height() + Frame3->sizeHint().height());
     PicD->setFocus();
 }
 
@@ -256,7 +255,8 @@ void TScreen::Handle(const std::string& name) {
         PowerCycle();
         return FocusPicture();
     }
-    if (name == "xio0" || name == "xio1" || name == "xio2" || name == "xio3") return ToggleCard(name);
+    if (name == "xio0" || name == "xio1" || name == "xio2" || name == "xio3")
+        return ToggleCard(name);
     if (name == "xReset") {
         m_.cpu.ResetRequest = 1;
         return;
@@ -399,7 +399,8 @@ void TScreen::PicdKeyUp(int keycode, int shift) {
 }
 
 void TScreen::ReleaseHeldKeys() {
-    for (int keycode : hold_.Due(m_.run.FrameCount)) tvc::PicdKeyUp(m_, keycode, 0);
+    for (int keycode : hold_.Due(m_.run.FrameCount))
+        tvc::PicdKeyUp(m_, keycode, 0);
 }
 
 void TScreen::ClearKeys() {
@@ -420,7 +421,9 @@ void TScreen::SetStatus(StatusField field, const QString& text) {
     if (field == StatusField::Text1) Text1->setText(text);
 }
 
-void TScreen::SetLoadBar(int width) { Shape4->resize(std::clamp(width, 0, 200), Shape4->height()); }
+void TScreen::SetLoadBar(int width) {
+    Shape4->resize(std::clamp(width, 0, 200), Shape4->height());
+}
 
 void TScreen::RefreshPortLog() {
     const auto& log = m_.forms.TScreen.List1;

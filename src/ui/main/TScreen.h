@@ -32,7 +32,7 @@ class TTools;
 
 class TScreen : public QMainWindow {
     Q_OBJECT
-public:
+  public:
     explicit TScreen(Machine& m);
     ~TScreen() override;
 
@@ -63,18 +63,18 @@ public:
 
     // Controls, by their names in the form.
     ScreenView* PicD = nullptr;
-    QGroupBox* Frame1 = nullptr;  // file dialog
+    QGroupBox* Frame1 = nullptr; // file dialog
     QListWidget* File1 = nullptr;
-    QLineEdit* Text3 = nullptr;   // file name without extension
-    QLineEdit* Text5 = nullptr;   // current pattern
-    QGroupBox* Frame4 = nullptr;  // "location", for saving CAS
+    QLineEdit* Text3 = nullptr;  // file name without extension
+    QLineEdit* Text5 = nullptr;  // current pattern
+    QGroupBox* Frame4 = nullptr; // "location", for saving CAS
     QLineEdit *Text6 = nullptr, *Text7 = nullptr, *Text8 = nullptr;
     QPushButton* Command2 = nullptr; // "OPEN"
-    QGroupBox* Frame2 = nullptr;  // about panel
+    QGroupBox* Frame2 = nullptr;     // about panel
     QPlainTextEdit* Text4 = nullptr;
     QPushButton* Command1 = nullptr;
     QLabel* Label7 = nullptr;
-    QFrame* Frame3 = nullptr;     // status panel
+    QFrame* Frame3 = nullptr; // status panel
     QLineEdit* Text1 = nullptr;
     QFrame* Shape4 = nullptr;
     QLabel* Label1 = nullptr;
@@ -83,11 +83,11 @@ public:
     FScreen* fullScreen = nullptr;
     CPUmon* cpumon = nullptr;
 
-protected:
+  protected:
     void closeEvent(QCloseEvent*) override;
     bool eventFilter(QObject*, QEvent*) override;
 
-private:
+  private:
     void BuildMenu();
     void BuildPanels();
     void Handle(const std::string& name);

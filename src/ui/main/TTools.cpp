@@ -19,9 +19,9 @@ constexpr int kEnterCode = 13;
 // Captions of the four fields of the page register, in the order of their
 // values (0, 1, 2, 3 times the field's step).
 const char* const kPagingCaptions[4][4] = {
-    {"CART", "SYS", "U3", "EXT"}, // 0xC000 window, bits 7-6
-    {"VID", "U2", nullptr, nullptr}, // 0x8000 window, bit 5
-    {"SYS", "CART", "U0", "U3**"},   // 0x0000 window, bits 4-3
+    {"CART", "SYS", "U3", "EXT"},     // 0xC000 window, bits 7-6
+    {"VID", "U2", nullptr, nullptr},  // 0x8000 window, bit 5
+    {"SYS", "CART", "U0", "U3**"},    // 0x0000 window, bits 4-3
     {"U1", "VID*", nullptr, nullptr}, // 0x4000 window, bit 2
 };
 const char* const kPagingNames[4] = {"U3", "U2", "U0", "U1"};
@@ -76,12 +76,17 @@ TTools::TTools(TScreen& screen) : QWidget(&screen, Qt::Window), screen_(screen) 
     layout->addWidget(paging);
 }
 
-void TTools::ShowKeyCode(int code) { Label2->setText(QString::number(code)); }
+void TTools::ShowKeyCode(int code) {
+    Label2->setText(QString::number(code));
+}
 
-int TTools::PagingByte() const { return Label4->text().toInt(); }
+int TTools::PagingByte() const {
+    return Label4->text().toInt();
+}
 
 void TTools::ChoosePaging(int field, int index) {
-    for (QLabel* l : pagingArrays[field]) l->setStyleSheet("background: #000000; color: #ffffff;");
+    for (QLabel* l : pagingArrays[field])
+        l->setStyleSheet("background: #000000; color: #ffffff;");
     pagingArrays[field][static_cast<size_t>(index)]->setStyleSheet("background: #00ff00;");
     Label4->setText(QString::number(PagingCalculator(PagingByte(), field, index)));
 }
@@ -95,8 +100,10 @@ bool TTools::eventFilter(QObject* obj, QEvent* e) {
     for (size_t i = 0; i < Label1.size(); ++i)
         if (obj == Label1[i]) code = static_cast<int>(i) + 32;
     if (code >= 0) {
-        if (press) screen_.PicdKeyDown(code, 0);
-        else screen_.PicdKeyUp(code, 0);
+        if (press)
+            screen_.PicdKeyDown(code, 0);
+        else
+            screen_.PicdKeyUp(code, 0);
         return true;
     }
     if (press)

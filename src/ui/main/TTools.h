@@ -14,7 +14,7 @@ class TScreen;
 
 class TTools : public QWidget {
     Q_OBJECT
-public:
+  public:
     explicit TTools(TScreen& screen);
 
     void ShowKeyCode(int code);
@@ -28,10 +28,10 @@ public:
     QLabel* Label4 = nullptr;    // the paging byte, decimal
     std::vector<QLabel*> pagingArrays[4];
 
-protected:
+  protected:
     bool eventFilter(QObject*, QEvent*) override;
 
-private:
+  private:
     TScreen& screen_;
 };
 

@@ -32,10 +32,11 @@ void AudioCompanion::Stop() {
     pid_ = -1;
 }
 
-void AudioCompanion::ServeWait() {
+void AudioCompanion::ServeWait(MMapper& samples, MMapper& handshake) {
     if (Alive()) return;
     if (!standIn_) {
-        if (!standInLink_.IsOpen() && !standInLink_.Open()) return;
+        standInLink_.Attach(samples, handshake);
+        if (!standInLink_.IsOpen()) return;
         standIn_ = std::make_unique<SilentSink>(standInLink_);
         if (!reported_) {
             std::fprintf(stderr, "tvc: no audio player is running; going on without sound\n");

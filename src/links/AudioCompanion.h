@@ -23,8 +23,9 @@ class AudioCompanion {
     bool Alive();
     void Stop();
 
-    // Called by every wait for the player: stands in while it is absent.
-    void ServeWait();
+    // Called by every wait for the player: stands in while it is absent,
+    // on the emulator's own maps.
+    void ServeWait(MMapper& samples, MMapper& handshake);
 
   private:
     pid_t pid_ = -1;

@@ -3,25 +3,32 @@
 namespace tvc {
 
 bool AudioConsumer::Open() {
-    return samples_.OpenMap(kSampleMapName, kAudioUnitBytes) &&
-           handshake_.OpenMap(kHandshakeMapName, 1);
+    samples_ = &ownSamples_;
+    handshake_ = &ownHandshake_;
+    return samples_->OpenMap(kSampleMapName, kAudioUnitBytes) &&
+           handshake_->OpenMap(kHandshakeMapName, 1);
+}
+
+void AudioConsumer::Attach(MMapper& samples, MMapper& handshake) {
+    samples_ = &samples;
+    handshake_ = &handshake;
 }
 
 uint8_t AudioConsumer::Handshake() {
     uint8_t b = 0;
-    handshake_.ReadMap(&b, 1);
+    handshake_->ReadMap(&b, 1);
     return b;
 }
 
 void AudioConsumer::Ask() {
     const uint8_t ask = kHandshakeAsk;
-    handshake_.WriteMap(&ask, 1);
+    handshake_->WriteMap(&ask, 1);
 }
 
 bool AudioConsumer::Take(uint8_t* unit) {
     if (Handshake() != kHandshakeDelivered) return false;
     uint8_t scratch[kAudioUnitBytes];
-    samples_.ReadMap(unit ? unit : scratch, kAudioUnitBytes);
+    samples_->ReadMap(unit ? unit : scratch, kAudioUnitBytes);
     return true;
 }
 

@@ -24,15 +24,21 @@ enum : uint8_t { kHandshakeIdle = 0, kHandshakeAsk = 1, kHandshakeDelivered = 2 
 // The player's side: opens the maps the emulator made, asks, takes units.
 class AudioConsumer {
   public:
+    // Opens the maps by name, as the player process does.
     bool Open();
-    bool IsOpen() const { return samples_.IsOpen() && handshake_.IsOpen(); }
+    // Works on maps this process already holds: the emulator's own stand-in
+    // uses the very maps it delivers to, whatever else has the same names.
+    void Attach(MMapper& samples, MMapper& handshake);
+    bool IsOpen() const { return samples_->IsOpen() && handshake_->IsOpen(); }
     uint8_t Handshake();
     void Ask();
     // Copies out a delivered unit; false while none stands. Does not ask again.
     bool Take(uint8_t* unit);
 
   private:
-    MMapper samples_, handshake_;
+    MMapper ownSamples_, ownHandshake_;
+    MMapper* samples_ = &ownSamples_;
+    MMapper* handshake_ = &ownHandshake_;
 };
 
 // A player that plays nothing: it takes one unit every 100 ms, the pace of a

@@ -147,8 +147,9 @@ TEST_F(Player, EndsWithItsEmulator) {
 class CompanionHost : public RecordingHost {
   public:
     AudioCompanion* audio = nullptr;
+    Machine* machine = nullptr;
     void Sleep(int ms) override {
-        audio->ServeWait();
+        audio->ServeWait(machine->sound.MMDemo, machine->sound.MMDemo2);
         std::this_thread::sleep_for(std::chrono::milliseconds(ms));
     }
 };
@@ -161,7 +162,11 @@ TEST(AudioCompanion, MissingPlayerIsStoodInForAtTheSamePace) {
     host.audio = &companion;
     EXPECT_FALSE(companion.Start((dir.path() / "no-such-player").string()));
     auto m = std::make_unique<Machine>(host);
+    host.machine = m.get();
     ASSERT_TRUE(SoundMapsCreate(*m));
+    // Another map of the same names must not confuse the stand-in.
+    MMapper intruder;
+    ASSERT_TRUE(intruder.CreateMap(kHandshakeMapName, 1));
     const auto start = Clock::now();
     for (int i = 0; i < 5; ++i) {
         m->sound.BlockIndex = 5;

@@ -98,25 +98,44 @@ int main(int argc, char** argv) {
     const SDL_AudioDeviceID dev = OpenDevice();
     SilentSink silent(link);
     uint8_t unit[kAudioUnitBytes];
-    bool asked = false;
+    bool asked = false, stallReported = false;
     uint64_t taken = 0, queuedAtTake = 0;
-    const Clock::time_point start = Clock::now();
+    Clock::time_point start = Clock::now(), lastDrain = start;
+    uint32_t lastQueued = 0;
 
     while (!stopRequested && getppid() == parent) {
         const Clock::time_point now = Clock::now();
         if (dev == 0) {
             if (silent.Step(now, unit)) wav.Add(unit, sizeof unit);
         } else {
+            // A device that stops draining (a suspended sound server) must
+            // not stop the emulator: after a second without progress the
+            // queued sound is dropped and the pace goes on.
+            const uint32_t queued = SDL_GetQueuedAudioSize(dev);
+            if (queued == 0 || queued < lastQueued) lastDrain = now;
+            lastQueued = queued;
+            if (queued > 0 && now - lastDrain > std::chrono::seconds(1)) {
+                SDL_ClearQueuedAudio(dev);
+                if (!stallReported) std::fprintf(stderr, "sndpipe: the audio device stalled; dropping sound\n");
+                stallReported = true;
+                lastDrain = now;
+            }
             if (asked && link.Take(unit)) {
                 asked = false;
                 ++taken;
                 queuedAtTake += SDL_GetQueuedAudioSize(dev);
                 SDL_QueueAudio(dev, unit, sizeof unit);
+                lastQueued = SDL_GetQueuedAudioSize(dev);
                 wav.Add(unit, sizeof unit);
             }
             // Ask while the queue is short, and never ahead of the wall clock
-            // by more than the queue, whatever the device does.
-            const auto due = static_cast<uint64_t>((now - start) / kUnitTime) + kQueueUnits;
+            // by more than the queue, whatever the device does. An emulator
+            // that fell behind (paused, busy) starts the clock afresh.
+            auto due = static_cast<uint64_t>((now - start) / kUnitTime) + kQueueUnits;
+            if (taken + kQueueUnits < due) {
+                start = now - taken * kUnitTime;
+                due = taken + kQueueUnits;
+            }
             if (!asked && SDL_GetQueuedAudioSize(dev) < kQueueUnits * kAudioUnitBytes &&
                 taken < due) {
                 link.Ask();

@@ -6,6 +6,7 @@
 
 #include <cstdlib>
 
+#include "core/Machine.h"
 #include "ui/main/TScreen.h"
 
 namespace tvc::ui {
@@ -66,7 +67,10 @@ void QtHost::Beep(int, int milliseconds) {
 }
 
 void QtHost::Sleep(int milliseconds) {
-    if (audio) audio->ServeWait();
+    if (audio && window_) {
+        SoundFX& sound = window_->machine().sound;
+        audio->ServeWait(sound.MMDemo, sound.MMDemo2);
+    }
     QThread::msleep(static_cast<unsigned long>(milliseconds));
 }
 

@@ -57,40 +57,40 @@ void ClearKeyMatrix(Machine& m) {
     std::fill(std::begin(m.bus.KeyMatrix), std::end(m.bus.KeyMatrix), 0);
 }
 
-void KeyReleaseHold::Down(int keycode, uint64_t frame) {
-    for (Held& h : held_)
-        if (h.keycode == keycode) {
-            if (h.released) h = {keycode, frame, false}; // struck again before its release
-            return;
-        }
-    held_.push_back({keycode, frame, false});
-}
+void KeyEventQueue::Push(bool down, int keycode, int shift) { events_.push_back({down, keycode, shift}); }
 
-bool KeyReleaseHold::Up(int keycode, uint64_t frame) {
-    for (auto it = held_.begin(); it != held_.end(); ++it) {
-        if (it->keycode != keycode) continue;
-        if (frame >= it->downFrame + kMinHeldFrames) {
-            held_.erase(it);
-            return true;
+std::vector<KeyCommand> KeyEventQueue::Pump(Machine& m) {
+    std::vector<KeyCommand> commands;
+    const uint64_t frame = m.run.FrameCount;
+    size_t done = 0;
+    for (; done < events_.size(); ++done) {
+        Event& e = events_[done];
+        auto held = std::find_if(downAt_.begin(), downAt_.end(),
+                                 [&](const auto& d) { return d.first == e.keycode; });
+        if (e.down) {
+            if (lastDownFrame_ == frame || lastUpFrame_ == frame) break; // a frame of its own
+            if (held == downAt_.end()) downAt_.emplace_back(e.keycode, frame);
+            else held->second = frame;
+            lastDownFrame_ = frame;
+            const KeyCommand c = PicdKeyDown(m, e.keycode, e.shift);
+            if (c != KeyCommand::None) commands.push_back(c);
+        } else {
+            if (held != downAt_.end()) {
+                if (frame < held->second + kMinHeldFrames) break; // not seen long enough
+                downAt_.erase(held);
+            }
+            lastUpFrame_ = frame;
+            PicdKeyUp(m, e.keycode, e.shift);
         }
-        it->released = true;
-        return false;
     }
-    return true;
+    events_.erase(events_.begin(), events_.begin() + static_cast<std::ptrdiff_t>(done));
+    return commands;
 }
 
-std::vector<int> KeyReleaseHold::Due(uint64_t frame) {
-    std::vector<int> due;
-    std::erase_if(held_, [&](const Held& h) {
-        const bool now = h.released && frame >= h.downFrame + kMinHeldFrames;
-        if (now) due.push_back(h.keycode);
-        return now;
-    });
-    return due;
-}
-
-void KeyReleaseHold::Clear() {
-    held_.clear();
+void KeyEventQueue::Clear(Machine& m) {
+    events_.clear();
+    downAt_.clear();
+    ClearKeyMatrix(m);
 }
 
 int PagingCalculator(int byte, int field, int choice) {

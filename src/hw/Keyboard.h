@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace tvc {
@@ -36,28 +37,35 @@ void PicdKeyUp(Machine& m, int keycode, int shift);
 // Every key up at once: focus changes and mouse presses on the picture.
 void ClearKeyMatrix(Machine& m);
 
-// A key struck faster than the machine's pace must still be seen: the
-// window's events arrive only between frames, so a press and its release
-// can land in the same pause. A release is held back until the key has been
-// down for kMinHeldFrames frame boundaries.
-class KeyReleaseHold {
+// Key events from the desktop, fed to the matrix at the machine's pace.
+// The window's events arrive only between frames, and while the audio player
+// paces the machine several keys typed in one pause arrive together: applied
+// at once they would be down together (and a quick tap's press and release
+// would cancel out). The queue keeps their order and lets through at most one
+// key going down per frame, and a key's release only once it has been down
+// over kMinHeldFrames frame boundaries; after a release the next key waits
+// for a frame of its own, so a program that scans once a frame sees every
+// key, in order, and a key struck twice as two presses.
+class KeyEventQueue {
   public:
     static constexpr uint64_t kMinHeldFrames = 2;
 
-    void Down(int keycode, uint64_t frame);
-    // True when the key may go up now; otherwise the release waits for Due.
-    bool Up(int keycode, uint64_t frame);
-    // The held-back releases whose time has come, taken off the list.
-    std::vector<int> Due(uint64_t frame);
-    void Clear();
+    void Push(bool down, int keycode, int shift);
+    // Applies what may go now; F1 and F2 answer with their command.
+    std::vector<KeyCommand> Pump(Machine& m);
+    // Focus changes and mouse presses: everything up, nothing pending.
+    void Clear(Machine& m);
+    bool Empty() const { return events_.empty(); }
 
   private:
-    struct Held {
-        int keycode;
-        uint64_t downFrame;
-        bool released;
+    struct Event {
+        bool down;
+        int keycode, shift;
     };
-    std::vector<Held> held_;
+    std::vector<Event> events_;
+    std::vector<std::pair<int, uint64_t>> downAt_; // key code, frame it went down
+    uint64_t lastDownFrame_ = UINT64_MAX;
+    uint64_t lastUpFrame_ = UINT64_MAX;
 };
 
 // The paging calculator of the on-screen keypad: the page register byte

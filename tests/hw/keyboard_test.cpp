@@ -100,28 +100,63 @@ TEST(Keyboard, PagingCalculatorFields) {
 namespace tvc::test {
 namespace {
 
-TEST(KeyReleaseHold, AQuickTapStaysDownForTwoFrameBoundaries) {
-    KeyReleaseHold hold;
-    hold.Down('A', 10);
-    EXPECT_FALSE(hold.Up('A', 10)); // pressed and released in one pause
-    EXPECT_TRUE(hold.Due(11).empty());
-    EXPECT_EQ(hold.Due(12), std::vector<int>{'A'});
-    EXPECT_TRUE(hold.Due(20).empty());
+TEST(KeyEventQueue, KeysTypedInOnePauseReachTheMatrixOneFrameApart) {
+    TestMachine t;
+    Machine& m = t.m();
+    KeyEventQueue q;
+    // "HE" typed quickly: all four events arrive while the machine waits.
+    q.Push(true, 'H', 0);
+    q.Push(false, 'H', 0);
+    q.Push(true, 'E', 0);
+    q.Push(false, 'E', 0);
+    std::vector<std::pair<uint8_t, uint8_t>> seen; // rows 4 (H) and 2 (E) at each frame
+    for (int frame = 0; frame < 6; ++frame) {
+        m.run.FrameCount = static_cast<uint64_t>(frame);
+        q.Pump(m);
+        seen.emplace_back(m.bus.KeyMatrix[4] & 0x10, m.bus.KeyMatrix[2] & 0x02);
+    }
+    const std::vector<std::pair<uint8_t, uint8_t>> expect = {
+        {0x10, 0}, {0x10, 0}, {0, 0}, {0, 0x02}, {0, 0x02}, {0, 0}};
+    EXPECT_EQ(seen, expect);
+    EXPECT_TRUE(q.Empty());
+}
 
-    hold.Down('B', 10);
-    EXPECT_TRUE(hold.Up('B', 12)); // held long enough: up at once
+TEST(KeyEventQueue, AKeyStruckTwiceIsSeenUpBetweenThePresses) {
+    TestMachine t;
+    Machine& m = t.m();
+    KeyEventQueue q;
+    for (int i = 0; i < 2; ++i) {
+        q.Push(true, '0', 0);
+        q.Push(false, '0', 0);
+    }
+    std::string seen;
+    for (int frame = 0; frame < 8; ++frame) {
+        m.run.FrameCount = static_cast<uint64_t>(frame);
+        q.Pump(m);
+        seen += (m.bus.KeyMatrix[0] & 0x08) ? 'D' : 'u';
+    }
+    EXPECT_EQ(seen, "DDuDDuuu");
+}
 
-    hold.Down('C', 10);
-    EXPECT_FALSE(hold.Up('C', 11));
-    hold.Down('C', 11); // struck again before the release: the held release is off
-    EXPECT_TRUE(hold.Due(20).empty());
-    EXPECT_TRUE(hold.Up('C', 20));
-
-    hold.Down('D', 1);
-    hold.Up('D', 1);
-    hold.Clear();
-    EXPECT_TRUE(hold.Due(100).empty());
-    EXPECT_TRUE(hold.Up('E', 5)); // never seen going down
+TEST(KeyEventQueue, CommandsComeBackAndClearingDropsEverything) {
+    TestMachine t;
+    Machine& m = t.m();
+    KeyEventQueue q;
+    q.Push(true, 112, 0); // F1
+    EXPECT_EQ(q.Pump(m), std::vector<KeyCommand>{KeyCommand::Reset});
+    q.Push(true, 'A', 0);
+    EXPECT_TRUE(q.Pump(m).empty()); // a second key down waits for the next frame
+    EXPECT_EQ(m.bus.KeyMatrix[4], 0);
+    m.run.FrameCount = 1;
+    q.Pump(m);
+    EXPECT_EQ(m.bus.KeyMatrix[4], 0x40);
+    q.Push(false, 'A', 0);
+    q.Clear(m);
+    EXPECT_TRUE(q.Empty());
+    EXPECT_EQ(m.bus.KeyMatrix[4], 0);
+    q.Push(false, 'Q', 0); // a release of a key never seen going down passes at once
+    q.Pump(m);
+    EXPECT_TRUE(q.Empty());
 }
 
 } // namespace

@@ -93,6 +93,7 @@ void FScreen::Tick() {
 }
 
 void FScreen::keyPressEvent(QKeyEvent* e) {
+    if (e->isAutoRepeat()) return;
     const int vk = VirtualKey(*e);
     if (vk == 27) return Leave();
     screen_.PicdKeyDown(vk, ShiftState(*e));

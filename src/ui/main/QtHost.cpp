@@ -19,7 +19,7 @@ QString ToQ(std::string_view s) {
 
 void QtHost::DoEvents() {
     QCoreApplication::processEvents(QEventLoop::AllEvents);
-    if (window_) window_->ReleaseHeldKeys();
+    if (window_) window_->PumpKeys();
 }
 
 void QtHost::MessageBox(std::string_view text, std::string_view title, MsgKind kind) {

@@ -52,6 +52,7 @@ void ScreenView::paintEvent(QPaintEvent*) {
 }
 
 void ScreenView::keyPressEvent(QKeyEvent* e) {
+    if (e->isAutoRepeat()) return; // the key is down already
     emit KeyDown(VirtualKey(*e), ShiftState(*e));
 }
 

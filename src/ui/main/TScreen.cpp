@@ -385,28 +385,22 @@ void TScreen::Command2Click() {
 }
 
 void TScreen::PicdKeyDown(int keycode, int shift) {
-    hold_.Down(keycode, m_.run.FrameCount);
-    switch (tvc::PicdKeyDown(m_, keycode, shift)) {
-    case KeyCommand::Reset: Handle("xReset"); break;
-    case KeyCommand::Reset2: Handle("xReset2"); break;
-    case KeyCommand::None: break;
-    }
-    tools->ShowKeyCode(m_.forms.TTools.Label2);
+    keys_.Push(true, keycode, shift);
+    PumpKeys();
 }
 
 void TScreen::PicdKeyUp(int keycode, int shift) {
-    if (hold_.Up(keycode, m_.run.FrameCount)) tvc::PicdKeyUp(m_, keycode, shift);
+    keys_.Push(false, keycode, shift);
+    PumpKeys();
 }
 
-void TScreen::ReleaseHeldKeys() {
-    for (int keycode : hold_.Due(m_.run.FrameCount))
-        tvc::PicdKeyUp(m_, keycode, 0);
+void TScreen::PumpKeys() {
+    if (keys_.Empty()) return;
+    for (KeyCommand c : keys_.Pump(m_)) Handle(c == KeyCommand::Reset ? "xReset" : "xReset2");
+    tools->ShowKeyCode(m_.forms.TTools.Label2);
 }
 
-void TScreen::ClearKeys() {
-    hold_.Clear();
-    ClearKeyMatrix(m_);
-}
+void TScreen::ClearKeys() { keys_.Clear(m_); }
 
 void TScreen::Command1Click() {
     cpumon->Command1_Click();

@@ -44,8 +44,8 @@ class TScreen : public QMainWindow {
     // picd_KeyDown / picd_KeyUp, also used by the full-screen view and keypad.
     void PicdKeyDown(int keycode, int shift);
     void PicdKeyUp(int keycode, int shift);
-    // Lets go of the keys whose release was held back (at each yield point).
-    void ReleaseHeldKeys();
+    // Feeds queued key events to the matrix (at each yield point).
+    void PumpKeys();
     void ClearKeys();
 
     // The CPU monitor's Run command: the loop from the state that stands.
@@ -103,7 +103,7 @@ class TScreen : public QMainWindow {
     Machine& m_;
     std::map<std::string, QAction*> items_;
     bool quit_ = false;
-    KeyReleaseHold hold_;
+    KeyEventQueue keys_;
 };
 
 } // namespace tvc::ui

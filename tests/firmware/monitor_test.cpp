@@ -4,8 +4,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <fstream>
-#include <iterator>
 
 #include "firmware/MonitorRun.h"
 #include "hw/MachineSetup.h"
@@ -13,11 +11,6 @@
 
 namespace tvc::test {
 namespace {
-
-std::string Slurp(const std::filesystem::path& file) {
-    std::ifstream in(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-}
 
 // Runs the monitor with these options and returns its text screen.
 std::vector<std::string> Screen(const ScratchDir& dir, const std::string& args) {
@@ -96,19 +89,6 @@ TEST(Monitor, BannerNamesTheRamFoundInEitherRomSet) {
     }
 }
 
-TEST(Monitor, HelpListsTheCommands) {
-    ScratchDir dir;
-    const auto rows = Screen(dir, "--frames 1 --type 'HELP\\n'");
-    EXPECT_EQ(rows[2], "> HELP");
-    EXPECT_EQ(rows[3], "Commands (numbers are hexadecimal):");
-    std::string listed;
-    for (int r = 4; r < 12; ++r)
-        listed += rows[r].substr(0, 8) + "|";
-    EXPECT_EQ(listed, "  HELP  |  CLS   |  MEM [a|  POKE a|  GO add|  BEEP  |  COLOR |  MODE 2|")
-        << Joined(rows);
-    EXPECT_EQ(rows[12], ">");
-}
-
 // POKE a program that stores a byte, GO runs it, MEM shows the byte; the
 // memory dump confirms it. Small letters work as well as capitals.
 TEST(Monitor, PokeGoAndMemRoundTrip) {
@@ -158,13 +138,19 @@ TEST(Monitor, BadInputPrintsAnErrorAndReturnsToThePrompt) {
     EXPECT_EQ(Slurp(mem), std::string(1, '\0')) << "a refused POKE stores nothing";
 }
 
-// Backspace takes back the last character, and characters typed past the
-// end of the line first of all.
-TEST(Monitor, BackspaceEditsTheLine) {
+// HELP lists the commands. Backspace takes back the last character, and
+// characters typed past the end of the line first of all.
+TEST(Monitor, HelpAndBackspace) {
     ScratchDir dir;
     const std::string tooLong(64, 'X');
     const auto rows = Screen(dir, "--frames 1 --type 'HELX\\bP\\n" + tooLong + "\\b\\b\\b\\n'");
     EXPECT_EQ(rows[2], "> HELP");
+    EXPECT_EQ(rows[3], "Commands (numbers are hexadecimal):");
+    std::string listed;
+    for (int r = 4; r < 12; ++r)
+        listed += rows[r].substr(0, 8) + "|";
+    EXPECT_EQ(listed, "  HELP  |  CLS   |  MEM [a|  POKE a|  GO add|  BEEP  |  COLOR |  MODE 2|")
+        << Joined(rows);
     EXPECT_EQ(rows[12], "> " + std::string(61, 'X')) << Joined(rows);
     EXPECT_EQ(rows[13], "? Unknown command") << "the hidden characters taken back, the line is run";
 }

@@ -4,31 +4,12 @@
 #include <algorithm>
 #include <cstdio>
 #include <fstream>
-#include <sstream>
 
+#include "support/Headless.h"
 #include "support/TestMachine.h"
 
 namespace tvc::test {
 namespace {
-
-struct Result {
-    int status;
-    std::string out;
-};
-
-Result RunHeadless(const std::string& args) {
-    const std::string cmd = std::string(TVC_HEADLESS_BIN) + " " + args + " 2>&1";
-    FILE* p = popen(cmd.c_str(), "r");
-    Result r{-1, {}};
-    if (!p) return r;
-    char buf[4096];
-    size_t n;
-    while ((n = fread(buf, 1, sizeof buf, p)) > 0)
-        r.out.append(buf, n);
-    const int st = pclose(p);
-    r.status = WIFEXITED(st) ? WEXITSTATUS(st) : -1;
-    return r;
-}
 
 // The value of "name" in the JSON object that --dump-regs prints.
 long JsonValue(const std::string& json, const std::string& name) {
@@ -38,7 +19,8 @@ long JsonValue(const std::string& json, const std::string& name) {
 }
 
 TEST(Headless, UsageAndExitCodes) {
-    ScratchDir dir;
+    ScratchDir dir, roms; // no ROMs in dir
+    WriteRomSet(roms);
     const struct {
         std::string args;
         int status;
@@ -59,9 +41,11 @@ TEST(Headless, UsageAndExitCodes) {
         {"--type-after -1", 2, "--type-after takes"},
         {"--cart ''", 2, "--cart takes a file name"},
         {"--dir " + dir.path().string() + " --steps 1", 3, "Rom File error: "},
+        {"--dir " + roms.path().string() + " --steps 1 --screenshot no/such/dir/x.png", 1,
+         "cannot write no/such/dir/x.png"},
     };
     for (const auto& k : cases) {
-        const Result r = RunHeadless(k.args);
+        const RunResult r = RunHeadless(k.args);
         EXPECT_EQ(r.status, k.status) << k.args << "\n" << r.out;
         EXPECT_NE(r.out.find(k.says), std::string::npos) << k.args << "\n" << r.out;
     }
@@ -73,34 +57,30 @@ TEST(Headless, RunsAProgramAndDumpsRegistersAndMemory) {
     // LD A,5; LD B,7; ADD A,B; LD HL,0x1234; INC HL; HALT
     dir.Write("prog.bin", {0x3E, 0x05, 0x06, 0x07, 0x80, 0x21, 0x34, 0x12, 0x23, 0x76});
     const std::string d = dir.path().string();
-    const Result r =
+    const RunResult r =
         RunHeadless("--dir " + d + " --port 2=0xB0 --load-bin prog.bin --steps 6 " +
                     "--poke 0x9000=0xAB --dump-regs regs.json --dump-mem 0x8FFF:3:mem.bin");
     ASSERT_EQ(r.status, 0) << r.out;
-    std::ifstream in(dir.path() / "regs.json");
-    std::stringstream json;
-    json << in.rdbuf();
-    EXPECT_EQ(JsonValue(json.str(), "RegA"), 12);
-    EXPECT_EQ(JsonValue(json.str(), "RegB"), 7);
-    EXPECT_EQ(JsonValue(json.str(), "RegH"), 0x12);
-    EXPECT_EQ(JsonValue(json.str(), "RegL"), 0x35);
-    EXPECT_EQ(JsonValue(json.str(), "RegPC"), 9);
-    EXPECT_EQ(JsonValue(json.str(), "Halted"), 1);
-    EXPECT_EQ(JsonValue(json.str(), "InstCount"), 6);
-    EXPECT_EQ(JsonValue(json.str(), "TStates"), 3 + 7 + 7 + 4 + 10 + 6 + 4);
-    EXPECT_NE(json.str().find("\"PortLatch\": [0,0,176,"), std::string::npos);
+    const std::string json = Slurp(dir.path() / "regs.json");
+    EXPECT_EQ(JsonValue(json, "RegA"), 12);
+    EXPECT_EQ(JsonValue(json, "RegB"), 7);
+    EXPECT_EQ(JsonValue(json, "RegH"), 0x12);
+    EXPECT_EQ(JsonValue(json, "RegL"), 0x35);
+    EXPECT_EQ(JsonValue(json, "RegPC"), 9);
+    EXPECT_EQ(JsonValue(json, "Halted"), 1);
+    EXPECT_EQ(JsonValue(json, "InstCount"), 6);
+    EXPECT_EQ(JsonValue(json, "TStates"), 3 + 7 + 7 + 4 + 10 + 6 + 4);
+    EXPECT_NE(json.find("\"PortLatch\": [0,0,176,"), std::string::npos);
 
-    std::ifstream mem(dir.path() / "mem.bin", std::ios::binary);
-    std::string bytes((std::istreambuf_iterator<char>(mem)), {});
-    EXPECT_EQ(bytes, std::string("\x00\xAB\x00", 3));
+    EXPECT_EQ(Slurp(dir.path() / "mem.bin"), std::string("\x00\xAB\x00", 3));
 }
 
 TEST(Headless, DisassemblesAfterTheRun) {
     ScratchDir dir;
     WriteRomSet(dir);
     dir.Write("prog.bin", {0x3E, 0x05, 0xDD, 0x21, 0x34, 0x12, 0xCB, 0x47, 0x76});
-    const Result r = RunHeadless("--dir " + dir.path().string() +
-                                 " --port 2=0xB0 --load-bin prog.bin --disasm 0:4");
+    const RunResult r = RunHeadless("--dir " + dir.path().string() +
+                                    " --port 2=0xB0 --load-bin prog.bin --disasm 0:4");
     ASSERT_EQ(r.status, 0) << r.out;
     EXPECT_EQ(r.out, " 0000 LD A,05\n 0002 LD IX,1234\n 0006 BIT 0,A\n 0008 HALT\n");
     EXPECT_EQ(RunHeadless("--disasm 0:0").status, 2);
@@ -114,12 +94,12 @@ TEST(Headless, AudioRecordingHoldsTheToneAtItsPredictedFrequency) {
         WriteRomSet(dir);
         dir.Write("tone.bin", {0x3E, 0x00, 0xD3, 0x04, 0x3E, static_cast<uint8_t>(k.high), 0xD3,
                                0x05, 0x3E, 0xBC, 0xD3, 0x06, 0x18, 0xFE});
-        const Result r =
+        const RunResult r =
             RunHeadless("--dir " + dir.path().string() +
                         " --port 2=0xB0 --load-bin tone.bin --frames 100 --audio tone.wav");
         ASSERT_EQ(r.status, 0) << r.out;
-        std::ifstream in(dir.path() / "tone.wav", std::ios::binary);
-        std::vector<uint8_t> wav((std::istreambuf_iterator<char>(in)), {});
+        const std::string file = Slurp(dir.path() / "tone.wav");
+        const std::vector<uint8_t> wav(file.begin(), file.end());
         ASSERT_EQ(wav.size(), 44u + 20 * 4410); // 100 frames: 20 units
         EXPECT_EQ(std::string(wav.begin(), wav.begin() + 4), "RIFF");
         // Rising edges of the left channel over the last 1.9 s.
@@ -135,16 +115,17 @@ TEST(Headless, AudioRecordingHoldsTheToneAtItsPredictedFrequency) {
 TEST(Headless, RegistersSetByNameAndFramesRun) {
     ScratchDir dir;
     WriteRomSet(dir);
-    const Result r = RunHeadless("--dir " + dir.path().string() +
-                                 " --port 2=0xB0 --reg RegPC=0x100 --reg FlagC=0 --reg RegSP=0xF000"
-                                 " --frames 3 --dump-regs -");
+    const RunResult r =
+        RunHeadless("--dir " + dir.path().string() +
+                    " --port 2=0xB0 --reg RegPC=0x100 --reg FlagC=0 --reg RegSP=0xF000"
+                    " --frames 3 --dump-regs -");
     ASSERT_EQ(r.status, 0) << r.out;
     EXPECT_EQ(JsonValue(r.out, "FrameCount"), 3);
     EXPECT_EQ(JsonValue(r.out, "FlagC"), 0);
     EXPECT_EQ(JsonValue(r.out, "RegSP"), 0xF000);
     EXPECT_GT(JsonValue(r.out, "RegPC"), 0x100); // ran NOPs through RAM
 
-    const Result bad = RunHeadless("--dir " + dir.path().string() + " --reg RegQ=1");
+    const RunResult bad = RunHeadless("--dir " + dir.path().string() + " --reg RegQ=1");
     EXPECT_EQ(bad.status, 2);
 }
 
@@ -163,7 +144,7 @@ TEST(Headless, TypingLengthensTheRun) {
         {"--frames 500 --type ab", 500},
     };
     for (const auto& k : cases) {
-        const Result r = RunHeadless(d + k.args);
+        const RunResult r = RunHeadless(d + k.args);
         ASSERT_EQ(r.status, 0) << r.out;
         EXPECT_EQ(JsonValue(r.out, "FrameCount"), k.frames) << k.args;
     }

@@ -162,50 +162,21 @@ TEST_F(IndexGroup, PrefixesDoNotChain) {
     EXPECT_EQ(c.len, 2);
 }
 
-TEST_F(IndexGroup, IndexedOperandsUseTheSignedDisplacement) {
-    for (uint8_t prefix : {DD, FD}) {
-        const int32_t base = prefix == DD ? 0x2000 : 0x2100;
-        Poke(base - 2, 0x5A);
-        Run({prefix, 0x7E, 0xFE}); // LD A,(IX-2)
-        EXPECT_EQ(cpu.RegA, 0x5A);
-        Run({prefix, 0x36, 0x7F, 0x77}); // LD (IX+127),77
-        EXPECT_EQ(Peek(base + 127), 0x77);
-        Poke(base + 5, 0x7F);
-        Run({prefix, 0x34, 0x05}); // INC (IX+5)
-        EXPECT_EQ(Peek(base + 5), 0x80);
-        EXPECT_EQ(Flags() & (fS | fP | fN), fS | fP);
-        Poke(base + 5, 0x44);
-        Run({prefix, 0x66, 0x05}); // LD H,(IX+5) loads H itself
-        EXPECT_EQ(cpu.RegH, 0x44);
-        Run({prefix, 0x74, 0x06}); // LD (IX+6),H stores H itself
-        EXPECT_EQ(Peek(base + 6), 0x44);
-        cpu.RegA = 0x10;
-        Run({prefix, 0x96, 0x05}); // SUB (IX+5)
-        EXPECT_EQ(cpu.RegA, 0xCC);
-    }
-}
-
+// The loads between halves and registers; the exerciser's group for them
+// fails on purpose (DD 40 and the like are undefined), so they are checked
+// here. Its other half groups (loads of n, INC, DEC, ALU) pass.
 TEST_F(IndexGroup, HalvesAreTheHighAndLowBytesOfTheIndexRegister) {
     cpu.RegIX = 0x1234;
-    Run({DD, 0x26, 0xAB}); // LD IXH,AB
-    EXPECT_EQ(cpu.RegIX, 0xAB34);
     Run({DD, 0x65}); // LD IXH,IXL
     EXPECT_EQ(cpu.RegIX, 0x3434);
-    cpu.RegIY = 0x00FF;
-    Run({FD, 0x2C}); // INC IYL
-    EXPECT_EQ(cpu.RegIY, 0x0000);
-    EXPECT_EQ(Flags() & (fZ | fH), fZ | fH);
-    Run({FD, 0x25}); // DEC IYH
-    EXPECT_EQ(cpu.RegIY, 0xFF00);
-    cpu.RegA = 0x01;
-    Run({FD, 0x84}); // ADD A,IYH
-    EXPECT_EQ(cpu.RegA, 0x00);
-    EXPECT_EQ(Flags() & (fZ | fC), fZ | fC);
     cpu.RegE = 0x77;
     Run({DD, 0x6B}); // LD IXL,E
     EXPECT_EQ(cpu.RegIX, 0x3477);
     Run({DD, 0x7C}); // LD A,IXH
     EXPECT_EQ(cpu.RegA, 0x34);
+    cpu.RegIY = 0x00FF;
+    Run({FD, 0x67}); // LD IYH,A
+    EXPECT_EQ(cpu.RegIY, 0x34FF);
     EXPECT_EQ(cpu.HL(), 0x2200); // H and L untouched throughout
 }
 
@@ -233,7 +204,9 @@ TEST_F(IndexGroup, AddIyTakesItsHalfCarryFromIx) {
     }
 }
 
-TEST_F(IndexGroup, StackAndSixteenBitRows) {
+// The exerciser has no group for these; its loads of nn and (nn), INC and
+// DEC of the index registers pass.
+TEST_F(IndexGroup, StackRowsAndLdSp) {
     cpu.RegIX = 0xBEEF;
     Run({DD, 0xE5}); // PUSH IX
     EXPECT_EQ(cpu.RegSP, 0xDFFE);
@@ -244,16 +217,8 @@ TEST_F(IndexGroup, StackAndSixteenBitRows) {
     Run({FD, 0xE3}); // EX (SP),IY
     EXPECT_EQ(cpu.RegIY, 0x1234);
     EXPECT_EQ(Peek(0xE000) | Peek(0xE001) << 8, 0xBEEF);
-    Run({DD, 0x22, 0x00, 0x40}); // LD (4000),IX
-    Run({FD, 0x2A, 0x00, 0x40}); // LD IY,(4000)
-    EXPECT_EQ(cpu.RegIY, 0xBEEF);
     Run({FD, 0xF9}); // LD SP,IY
-    EXPECT_EQ(cpu.RegSP, 0xBEEF);
-    cpu.RegIX = 0;
-    Run({DD, 0x2B}); // DEC IX wraps
-    EXPECT_EQ(cpu.RegIX, 0xFFFF);
-    Run({DD, 0x23});
-    EXPECT_EQ(cpu.RegIX, 0);
+    EXPECT_EQ(cpu.RegSP, 0x1234);
 }
 
 TEST_F(IndexGroup, DdcbAndFdcbCostsFollowTheirOwnTables) {
@@ -286,19 +251,14 @@ TEST_F(IndexGroup, DdcbAndFdcbCostsFollowTheirOwnTables) {
     EXPECT_EQ(UnknownOpcodes(), 0u);
 }
 
-TEST_F(IndexGroup, IndexedBitRowsWorkOnTheDisplacedByte) {
+// The exerciser's shift group fails on purpose (FDCB SLL), so a shift on
+// (IX+d) is checked here; its BIT, SET and RES groups pass.
+TEST_F(IndexGroup, IndexedShiftWorksOnTheDisplacedByte) {
     Poke(0x2000 - 3, 0x81);
     cpu.SetFlagsByte(0);
     Run({DD, 0xCB, 0xFD, 0x06}); // RLC (IX-3)
     EXPECT_EQ(Peek(0x1FFD), 0x03);
     EXPECT_EQ(Flags(), fP | fC);
-    Poke(0x2104, 0x00);
-    Run({FD, 0xCB, 0x04, 0xDE}); // SET 3,(IY+4)
-    EXPECT_EQ(Peek(0x2104), 0x08);
-    Run({FD, 0xCB, 0x04, 0x5E}); // BIT 3,(IY+4) only reads
-    EXPECT_EQ(Flags() & (fZ | fH | fN), fH);
-    Run({FD, 0xCB, 0x04, 0x9E}); // RES 3,(IY+4)
-    EXPECT_EQ(Peek(0x2104), 0x00);
 }
 
 // SLL (IX+d): the result goes to memory and to the register of the low three

@@ -401,11 +401,8 @@ void CPUmonTest::traceMonitorPrintsBlocksWhileVisibleAndNotHeld() {
     t->Timer1_Timer(); // hidden: nothing
     QVERIFY(t->Text->toPlainText().isEmpty());
     t->show();
-    f.m->cpu.RegB = 0x12, f.m->cpu.RegC = 0x34;
     t->Timer1_Timer();
-    const QString first = t->Text->toPlainText();
-    QCOMPARE(first, QString::fromStdString(TraceBlock(f.m->cpu)));
-    QVERIFY(first.contains("BC:1234,"));
+    QCOMPARE(t->Text->toPlainText(), QString::fromStdString(TraceBlock(f.m->cpu)));
     t->Timer1_Timer();
     QCOMPARE(t->Text->document()->blockCount(), 8);
     QTest::keyClick(t, Qt::Key_Return);

@@ -48,7 +48,8 @@ Output, after the run:
   --help                 this text
 
 Numbers are decimal or 0x hexadecimal.
-Exit status: 0 normal end, 2 bad usage, 3 the machine hit a fatal stop.
+Exit status: 0 normal end, 1 a file could not be read or written, 2 bad usage,
+3 the machine hit a fatal stop.
 )";
 
 std::optional<int64_t> ParseNumber(const std::string& text) {

@@ -63,6 +63,9 @@ TScreen::TScreen(Machine& m) : m_(m) {
 // The full-screen view is a window of its own, without a parent to take it
 // along, so it goes here.
 TScreen::~TScreen() {
+    // The child widgets outlive this part of the object while QWidget tears
+    // them down; their focus changes must not reach the handlers here.
+    PicD->disconnect(this);
     delete fullScreen;
 }
 

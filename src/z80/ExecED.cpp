@@ -75,20 +75,6 @@ void SetPair(Z80& c, int32_t op, int32_t v) {
     }
 }
 
-// The register of the r field for OUT (C),r, which hands PortOut the
-// register itself (field 6 has no row).
-int32_t& Reg8(Z80& c, int32_t i) {
-    switch (i) {
-    case 0: return c.RegB;
-    case 1: return c.RegC;
-    case 2: return c.RegD;
-    case 3: return c.RegE;
-    case 4: return c.RegH;
-    case 5: return c.RegL;
-    default: return c.RegA;
-    }
-}
-
 // LDI and LDD: (DE) = (HL), HL and DE step by `step`, BC down by 1.
 void BlockMove(Z80& c, int32_t step) {
     c.Wr(c.DE(), c.Rd(c.HL()));

@@ -6,8 +6,9 @@
 
 namespace tvc {
 
-// The register field B C D E H L (HL) A. Operand 6 goes through memory at HL.
-inline int32_t GetOperand(Z80& c, int32_t i) {
+// The register of field i of B C D E H L (HL) A; field 6, which goes through
+// memory, gives A here and is served by the callers below.
+inline int32_t& Reg8(Z80& c, int32_t i) {
     switch (i) {
     case 0: return c.RegB;
     case 1: return c.RegC;
@@ -15,22 +16,20 @@ inline int32_t GetOperand(Z80& c, int32_t i) {
     case 3: return c.RegE;
     case 4: return c.RegH;
     case 5: return c.RegL;
-    case 6: return c.Rd(c.HL());
     default: return c.RegA;
     }
 }
 
+// The operand of field i; operand 6 is the byte at HL.
+inline int32_t GetOperand(Z80& c, int32_t i) {
+    return i == 6 ? c.Rd(c.HL()) : Reg8(c, i);
+}
+
 inline void SetOperand(Z80& c, int32_t i, int32_t v) {
-    switch (i) {
-    case 0: c.RegB = v; break;
-    case 1: c.RegC = v; break;
-    case 2: c.RegD = v; break;
-    case 3: c.RegE = v; break;
-    case 4: c.RegH = v; break;
-    case 5: c.RegL = v; break;
-    case 6: c.Wr(c.HL(), v); break;
-    default: c.RegA = v; break;
-    }
+    if (i == 6)
+        c.Wr(c.HL(), v);
+    else
+        Reg8(c, i) = v;
 }
 
 // ADD ADC SUB SBC AND XOR OR CP, by the opcode's middle three bits.

@@ -18,6 +18,7 @@
 #include "hw/Memory.h"
 #include "support/TestMachine.h"
 #include "ui/main/TScreen.h"
+#include "ui/UiHost.h"
 #include "ui/monitors/CPUmon.h"
 #include "ui/monitors/assmon.h"
 
@@ -26,16 +27,7 @@ using namespace tvc::ui;
 
 namespace {
 
-// Serves the yield points and the monitor's redraw as the application does.
-class UiHost : public test::RecordingHost {
-  public:
-    TScreen* window = nullptr;
-    void DoEvents() override { QCoreApplication::processEvents(); }
-    void MonitorRedraw() override {
-        ++monitorRedraws;
-        if (window) window->MonitorRedraw();
-    }
-};
+using test::UiHost;
 
 constexpr int32_t kOrg = 0x8000;
 

@@ -17,6 +17,7 @@
 #include "ui/main/Picture.h"
 #include "ui/main/ScreenView.h"
 #include "ui/main/TScreen.h"
+#include "ui/UiHost.h"
 #include "ui/main/TTools.h"
 #include "video/Screen.h"
 
@@ -25,18 +26,7 @@ using namespace tvc::ui;
 
 namespace {
 
-// Records what the core says and serves the yield points like the app.
-class UiHost : public test::RecordingHost {
-  public:
-    TScreen* window = nullptr;
-    void DoEvents() override {
-        ++doEvents;
-        QCoreApplication::processEvents();
-    }
-    void PictureReady() override {
-        if (window) window->PictureReady();
-    }
-};
+using test::UiHost;
 
 struct Fixture {
     test::ScratchDir dir;

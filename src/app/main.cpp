@@ -4,7 +4,9 @@
 #include <QMessageBox>
 #include <QSocketNotifier>
 #include <csignal>
+#include <cstdlib>
 #include <memory>
+#include <sstream>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -23,6 +25,9 @@ namespace {
 int signalPipe[2] = {-1, -1};
 
 void OnSignal(int) {
+    // A wait for a stalled audio player must not keep the close from the
+    // next yield point.
+    tvc::AudioCompanion::ReleaseWaits();
     const char byte = 1;
     [[maybe_unused]] ssize_t n = ::write(signalPipe[1], &byte, 1);
 }
@@ -77,7 +82,14 @@ int main(int argc, char** argv) {
     host.audio = &player;
     const std::string playerPath =
         QCoreApplication::applicationDirPath().toStdString() + "/sndpipe";
-    if (!player.Start(playerPath))
+    // TVC_SNDPIPE_OPTIONS passes options to the player ("--stats").
+    std::vector<std::string> playerArgs;
+    if (const char* options = std::getenv("TVC_SNDPIPE_OPTIONS")) {
+        std::istringstream words(options);
+        for (std::string w; words >> w;)
+            playerArgs.push_back(w);
+    }
+    if (!player.Start(playerPath, playerArgs))
         host.MessageBox("SNDpipe open error!", "LUMEKTVC", tvc::MsgKind::Plain);
 
     // From here the program lives in the run loop, entered as the CPU

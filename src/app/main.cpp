@@ -32,14 +32,10 @@ void OnSignal(int) {
     [[maybe_unused]] ssize_t n = ::write(signalPipe[1], &byte, 1);
 }
 
-void CloseOnSignals(QWidget& window) {
-    if (::socketpair(AF_UNIX, SOCK_STREAM, 0, signalPipe) != 0) return;
-    auto* notifier = new QSocketNotifier(signalPipe[0], QSocketNotifier::Read, &window);
-    QObject::connect(notifier, &QSocketNotifier::activated, &window, [&window] {
-        char byte;
-        [[maybe_unused]] ssize_t n = ::read(signalPipe[0], &byte, 1);
-        window.close();
-    });
+// Installed first thing, so that a signal during start-up already waits in
+// the pipe for the window instead of killing the process.
+void CatchSignals() {
+    if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, signalPipe) != 0) return;
     struct sigaction sa = {};
     sa.sa_handler = OnSignal;
     sigemptyset(&sa.sa_mask);
@@ -48,9 +44,20 @@ void CloseOnSignals(QWidget& window) {
     sigaction(SIGINT, &sa, nullptr);
 }
 
+void CloseOnSignals(QWidget& window) {
+    if (signalPipe[0] < 0) return;
+    auto* notifier = new QSocketNotifier(signalPipe[0], QSocketNotifier::Read, &window);
+    QObject::connect(notifier, &QSocketNotifier::activated, &window, [&window] {
+        char byte;
+        [[maybe_unused]] ssize_t n = ::read(signalPipe[0], &byte, 1);
+        window.close();
+    });
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
+    CatchSignals();
     QApplication app(argc, argv);
     QApplication::setApplicationName("LUMEKTVC");
 

@@ -31,9 +31,7 @@ class KeyMapTest : public QObject {
     Q_OBJECT
   private slots:
     void everyMatrixKeyHasAPlaceAndEveryPlaceACode();
-    void keypadDigitsAndPointHaveNoPlace_data();
     void keypadDigitsAndPointHaveNoPlace();
-    void symbolicFallback_data();
     void symbolicFallback();
     void releaseUndoesItsPress();
     void anySequenceEndsWithNothingHeld();
@@ -56,55 +54,36 @@ void KeyMapTest::everyMatrixKeyHasAPlaceAndEveryPlaceACode() {
     }
 }
 
-void KeyMapTest::keypadDigitsAndPointHaveNoPlace_data() {
-    QTest::addColumn<uint>("place");
-    QTest::addColumn<int>("qtKey");
-    QTest::addColumn<int>("numLockOff");
-    // NumLock on gives the digit or the point, off the cursor keys.
-    const int on[] = {Qt::Key_0, Qt::Key_1, Qt::Key_2, Qt::Key_3, Qt::Key_4,     Qt::Key_5,
-                      Qt::Key_6, Qt::Key_7, Qt::Key_8, Qt::Key_9, Qt::Key_Period};
-    const int off[] = {Qt::Key_Insert, Qt::Key_End,    Qt::Key_Down,  Qt::Key_PageDown,
-                       Qt::Key_Left,   Qt::Key_Clear,  Qt::Key_Right, Qt::Key_Home,
-                       Qt::Key_Up,     Qt::Key_PageUp, Qt::Key_Delete};
-    for (int i = 0; i < 11; ++i) {
-        QTest::addRow("%u", kKeypadPlaces[i]) << kKeypadPlaces[i] << on[i] << off[i];
-    }
-}
-
+// Keypad digits and point, NumLock on (digit, point) or off (cursor keys),
+// with or without a scan code.
 void KeyMapTest::keypadDigitsAndPointHaveNoPlace() {
-    QFETCH(uint, place);
-    QFETCH(int, qtKey);
-    QFETCH(int, numLockOff);
-    for (int key : {qtKey, numLockOff}) {
-        QCOMPARE(VirtualKey(Key(QEvent::KeyPress, place, key, Qt::KeypadModifier)), 0);
-        QCOMPARE(VirtualKey(Key(QEvent::KeyPress, 0, key, Qt::KeypadModifier)), 0); // no scan code
-    }
+    const int numLock[][2] = {
+        {Qt::Key_0, Qt::Key_Insert},   {Qt::Key_1, Qt::Key_End},        {Qt::Key_2, Qt::Key_Down},
+        {Qt::Key_3, Qt::Key_PageDown}, {Qt::Key_4, Qt::Key_Left},       {Qt::Key_5, Qt::Key_Clear},
+        {Qt::Key_6, Qt::Key_Right},    {Qt::Key_7, Qt::Key_Home},       {Qt::Key_8, Qt::Key_Up},
+        {Qt::Key_9, Qt::Key_PageUp},   {Qt::Key_Period, Qt::Key_Delete}};
+    for (int i = 0; i < 11; ++i)
+        for (int key : numLock[i])
+            for (unsigned place : {kKeypadPlaces[i], 0u})
+                QCOMPARE(VirtualKey(Key(QEvent::KeyPress, place, key, Qt::KeypadModifier)), 0);
 }
 
-void KeyMapTest::symbolicFallback_data() {
-    QTest::addColumn<int>("qtKey");
-    QTest::addColumn<bool>("keypad");
-    QTest::addColumn<int>("vk");
-    QTest::newRow("letter") << int(Qt::Key_Q) << false << int('Q');
-    QTest::newRow("digit") << int(Qt::Key_7) << false << int('7');
-    QTest::newRow("minus") << int(Qt::Key_Minus) << false << 189;
-    QTest::newRow("keypad minus") << int(Qt::Key_Minus) << true << 109;
-    QTest::newRow("keypad star") << int(Qt::Key_Asterisk) << true << 106;
-    QTest::newRow("keypad plus") << int(Qt::Key_Plus) << true << 107;
-    QTest::newRow("keypad slash") << int(Qt::Key_Slash) << true << 111;
-    QTest::newRow("keypad enter") << int(Qt::Key_Enter) << true << 13;
-    QTest::newRow("Esc") << int(Qt::Key_Escape) << false << 27;
-    QTest::newRow("unknown") << int(Qt::Key_Launch0) << false << 0;
-}
-
+// Without a known place the symbolic key decides; on the keypad only
+// * + - / and Enter have a code.
 void KeyMapTest::symbolicFallback() {
-    QFETCH(int, qtKey);
-    QFETCH(bool, keypad);
-    QFETCH(int, vk);
-    const Qt::KeyboardModifiers mods = keypad ? Qt::KeypadModifier : Qt::NoModifier;
-    QCOMPARE(VirtualKey(Key(QEvent::KeyPress, 0, qtKey, mods)), vk);
-    // A place the table does not know falls back the same way.
-    QCOMPARE(VirtualKey(Key(QEvent::KeyPress, 250, qtKey, mods)), vk);
+    const struct {
+        int qtKey;
+        bool keypad;
+        int vk;
+    } rows[] = {
+        {Qt::Key_Q, false, 'Q'},    {Qt::Key_7, false, '7'},       {Qt::Key_Minus, false, 189},
+        {Qt::Key_Minus, true, 109}, {Qt::Key_Asterisk, true, 106}, {Qt::Key_Plus, true, 107},
+        {Qt::Key_Slash, true, 111}, {Qt::Key_Enter, true, 13},     {Qt::Key_Launch0, false, 0}};
+    for (const auto& r : rows)
+        for (unsigned place : {0u, 250u}) {
+            const auto mods = r.keypad ? Qt::KeypadModifier : Qt::NoModifier;
+            QCOMPARE(VirtualKey(Key(QEvent::KeyPress, place, r.qtKey, mods)), r.vk);
+        }
 }
 
 // A release gives what the press gave, not what the key means now; of two

@@ -77,6 +77,7 @@ std::string CpmShim::Load(Machine& m, const char* path) {
     const int32_t imageEnd = kLoadAddress + int32_t(image.size());
 
     m.bus.PortLatch[2] = 0xB0;
+    MemoryMapChanged(m);
     for (size_t i = 0; i < image.size(); ++i)
         MemWrite(m, kLoadAddress + int32_t(i), image[i]);
     MemWrite(m, 0, 0x76); // the warm boot: the run ends when RegPC reaches it

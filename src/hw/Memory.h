@@ -76,4 +76,17 @@ inline void MemWrite(Machine& m, int32_t a, int32_t value) {
     MemWriteChain(m, a, value);
 }
 
+inline int32_t Z80::Rd(int32_t address) {
+    return MemRead(m, address);
+}
+inline void Z80::Wr(int32_t address, int32_t value) {
+    MemWrite(m, address, value);
+}
+inline int32_t Z80::Rd16(int32_t address) {
+    return Rd(address) + 256 * Rd(WrapAdd(address, 1));
+}
+inline int32_t Z80::Imm16() {
+    return Rd16(RegPC + 1);
+}
+
 } // namespace tvc

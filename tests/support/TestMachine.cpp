@@ -53,6 +53,7 @@ TestMachine::TestMachine(bool romPaging)
     MachineInit(*machine);
     MachineReset(*machine);
     if (!romPaging) machine->bus.PortLatch[2] = 0xB0;
+    MemoryMapChanged(*machine);
     machine->run.RunFlag = 1;
 }
 

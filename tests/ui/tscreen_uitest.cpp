@@ -12,6 +12,7 @@
 
 #include "core/RunLoop.h"
 #include "hw/MachineSetup.h"
+#include "hw/Memory.h"
 #include "support/TestMachine.h"
 #include "ui/main/FScreen.h"
 #include "ui/main/Picture.h"
@@ -279,6 +280,7 @@ void TScreenTest::openWithNoFileReportsAndCarriesOn() {
 void TScreenTest::pauseResumeAndResetSequences() {
     Fixture f;
     f.m->bus.PortLatch[2] = 0xB0; // NOPs in RAM
+    MemoryMapChanged(*f.m);
     // Pause from inside the running loop, twice over, with a reset between.
     int ticks = 0;
     QTimer timer;

@@ -6,6 +6,7 @@
 #include "core/RunLoop.h"
 #include "hw/Memory.h"
 #include "support/TestMachine.h"
+#include "z80/CpuTest.h"
 
 namespace tvc::test {
 namespace {
@@ -206,6 +207,32 @@ TEST(BaseExecutor, CpuResetState) {
     EXPECT_EQ(c.FlagC2, 1);
     EXPECT_EQ(c.RegPC | c.RegI | c.RegR | c.IntMode | c.IFF1 | c.IFF2 | c.Halted, 0);
     EXPECT_EQ(c.TStates, t0 + 3);
+}
+
+class BaseRStep : public CpuTest {};
+
+// RegR steps by 1 for every base instruction but the stated exceptions: RET cc
+// taken or not 2, RST 2 (RST 38H 1), IN A,(n) 3, EX (SP),HL 2, JP NZ taken 0.
+TEST_F(BaseRStep, EveryOpcodeFollowsTheRule) {
+    for (int op = 0; op < 256; ++op) {
+        if (op == 0xCB || op == 0xDD || op == 0xED || op == 0xFD)
+            continue; // whole groups elsewhere
+        for (int flags : {0x00, 0xFF}) {
+            SetUp();
+            cpu.SetFlagsByte(flags);
+            cpu.SetHL(0x9100);
+            cpu.RegB = 5;
+            Poke(0xE000, 0x34);
+            Poke(0xE001, 0x12);
+            const bool retcc = (op & 0xC7) == 0xC0, rst = (op & 0xC7) == 0xC7 && op != 0xFF;
+            const int step = retcc || rst || op == 0xE3    ? 2
+                             : op == 0xDB                  ? 3
+                             : op == 0xC2 && !(flags & fZ) ? 0
+                                                           : 1;
+            EXPECT_EQ(Run({uint8_t(op), 0x00, 0x90}).r, step)
+                << Hex({uint8_t(op)}) << " F " << flags;
+        }
+    }
 }
 
 } // namespace

@@ -28,17 +28,8 @@ namespace {
 
 using test::UiHost;
 
-struct Fixture {
-    test::ScratchDir dir;
-    UiHost host;
-    std::unique_ptr<Machine> m = std::make_unique<Machine>(host);
-    std::unique_ptr<TScreen> w;
+struct Fixture : test::WindowFixture {
     Fixture() {
-        test::WriteRomSet(dir);
-        MachineInit(*m);
-        MachineReset(*m);
-        w = std::make_unique<TScreen>(*m);
-        host.window = w.get();
         w->show();
         QVERIFY(QTest::qWaitForWindowExposed(w.get()));
     }

@@ -201,11 +201,19 @@ TEST_F(IndexGroup, StackRowsAndLdSp) {
     EXPECT_EQ(cpu.RegSP, 0xDFFE);
     Run({FD, 0xE1}); // POP IY
     EXPECT_EQ(cpu.RegIY, 0xBEEF);
-    Poke(0xE000, 0x34);
-    Poke(0xE001, 0x12);
-    Run({FD, 0xE3}); // EX (SP),IY
-    EXPECT_EQ(cpu.RegIY, 0x1234);
-    EXPECT_EQ(Peek(0xE000) | Peek(0xE001) << 8, 0xBEEF);
+    // EX (SP),HL, EX (SP),IX and EX (SP),IY swap the word at SP, low byte first.
+    for (uint8_t prefix : {uint8_t(0), DD, FD}) {
+        cpu.SetHL(0xBEEF), cpu.RegIX = 0xBEEF, cpu.RegIY = 0xBEEF;
+        Poke(0xE000, 0x34);
+        Poke(0xE001, 0x12);
+        Run(prefix ? std::vector<uint8_t>{prefix, 0xE3} : std::vector<uint8_t>{0xE3});
+        EXPECT_EQ(prefix == DD   ? cpu.RegIX
+                  : prefix == FD ? cpu.RegIY
+                                 : cpu.HL(),
+                  0x1234)
+            << +prefix;
+        EXPECT_EQ(Peek(0xE000) | Peek(0xE001) << 8, 0xBEEF) << +prefix;
+    }
     Run({FD, 0xF9}); // LD SP,IY
     EXPECT_EQ(cpu.RegSP, 0x1234);
 }

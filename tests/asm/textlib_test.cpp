@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "support/Codepage.h"
+
 namespace tvc {
 namespace {
 
@@ -60,9 +62,15 @@ TEST(TextLib, ReplaceTextReturnsTheTextFromStartOn) {
 }
 // clang-format on
 
+// Every byte as code page 1252 has it; its five unassigned bytes keep their
+// own value.
 TEST(TextLib, WidenTextTurnsWindows1252IntoUtf8) {
+    for (int b = 0; b < 256; ++b) {
+        std::string want = test::CodepageUtf8("CP1252", uint8_t(b));
+        if (want.empty()) want = {char(0xC2), char(b)};
+        EXPECT_EQ(WidenText(std::string(1, char(b))), want) << b;
+    }
     EXPECT_EQ(WidenText("EX AF,AF\x92"), "EX AF,AF\u2019");
-    EXPECT_EQ(WidenText("\x80\xC1\xFF\x81"), "\u20AC\u00C1\u00FF\u0081");
 }
 
 } // namespace

@@ -13,37 +13,32 @@ int32_t Out(Machine& m, int32_t port, int32_t value) {
     return value;
 }
 
-TEST(PortWrites, LatchedWithoutLog) {
-    for (int port : {0x01, 0x02, 0x03, 0x04, 0x05, 0x06, 0x0F, 0x18, 0x21, 0x60, 0x6F, 0xA0}) {
-        TestMachine t;
-        Out(t.m(), port, 0x81);
-        EXPECT_EQ(t.m().bus.PortLatch[port], 0x81) << port;
-        EXPECT_TRUE(t.m().forms.TScreen.List1.empty()) << port;
-    }
-}
-
-TEST(PortWrites, DeviceAndStatusPortsAreNotLatched) {
-    const int ports[] = {0x07, 0x0C, 0x0D, 0x0E, 0x10, 0x11, 0x12, 0x13, 0x14, 0x20, 0x30,
-                         0x32, 0x33, 0x34, 0x35, 0x38, 0x39, 0x3A, 0x3B, 0x3C, 0x3D, 0x50,
-                         0x57, 0x58, 0x5F, 0x71, 0xE0, 0xF8, 0xFD, 0xFE, 0xFF};
-    for (int port : ports) {
-        TestMachine t;
-        Out(t.m(), port, 0x01);
-        EXPECT_EQ(t.m().bus.PortLatch[port], 0) << port;
-        EXPECT_TRUE(t.m().forms.TScreen.List1.empty()) << port;
-    }
-}
-
-TEST(PortWrites, UnknownPortsAreLatchedAndLogged) {
-    const int ports[] = {0x08, 0x0B, 0x15, 0x17, 0x19, 0x1F, 0x22, 0x2F, 0x31,
-                         0x3E, 0x4F, 0x78, 0x9F, 0xA1, 0xDF, 0xF9, 0xFC};
-    for (int port : ports) {
-        TestMachine t;
-        Out(t.m(), port, 0x42);
-        EXPECT_EQ(t.m().bus.PortLatch[port], 0x42) << port;
-        ASSERT_EQ(t.m().forms.TScreen.List1.size(), 1u) << port;
-        EXPECT_EQ(t.m().forms.TScreen.List1[0], std::to_string(port) + "W");
-    }
+// Ports with a latch, ports of a device or status (not latched) and ports
+// without a device (latched and logged as "<port>W").
+TEST(PortWrites, LatchedDeviceAndUnknownPorts) {
+    const struct {
+        bool latched, logged;
+        std::vector<int> ports;
+    } kinds[] = {
+        {true, false, {0x01, 0x02, 0x03, 0x04, 0x05, 0x06, 0x0F, 0x18, 0x21, 0x60, 0x6F, 0xA0}},
+        {false, false, {0x07, 0x0C, 0x0D, 0x0E, 0x10, 0x11, 0x12, 0x13, 0x14, 0x20, 0x30,
+                        0x32, 0x33, 0x34, 0x35, 0x38, 0x39, 0x3A, 0x3B, 0x3C, 0x3D, 0x50,
+                        0x57, 0x58, 0x5F, 0x71, 0xE0, 0xF8, 0xFD, 0xFE, 0xFF}},
+        {true,
+         true,
+         {0x08, 0x0B, 0x15, 0x17, 0x19, 0x1F, 0x22, 0x2F, 0x31, 0x3E, 0x4F, 0x78, 0x9F, 0xA1, 0xDF,
+          0xF9, 0xFC}},
+    };
+    for (const auto& k : kinds)
+        for (int port : k.ports) {
+            TestMachine t;
+            Out(t.m(), port, 0x81);
+            EXPECT_EQ(t.m().bus.PortLatch[port], k.latched ? 0x81 : 0) << port;
+            const auto& log = t.m().forms.TScreen.List1;
+            EXPECT_EQ(log, k.logged ? std::vector<std::string>{std::to_string(port) + "W"}
+                                    : std::vector<std::string>{})
+                << port;
+        }
 }
 
 TEST(PortWrites, BorderPortAndNumbersAbove255TakeTheDefaultBranch) {

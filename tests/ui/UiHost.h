@@ -4,6 +4,8 @@
 
 #include <QCoreApplication>
 
+#include "hw/MachineSetup.h"
+#include "hw/Memory.h"
 #include "support/TestMachine.h"
 #include "ui/main/TScreen.h"
 
@@ -22,6 +24,26 @@ class UiHost : public RecordingHost {
     void MonitorRedraw() override {
         ++monitorRedraws;
         if (window) window->MonitorRedraw();
+    }
+};
+
+// The main window over a machine built from a scratch ROM set; `paging` is
+// written to port 2 before the window is made.
+struct WindowFixture {
+    ScratchDir dir;
+    UiHost host;
+    std::unique_ptr<Machine> m = std::make_unique<Machine>(host);
+    std::unique_ptr<ui::TScreen> w;
+    explicit WindowFixture(int paging = -1) {
+        WriteRomSet(dir);
+        MachineInit(*m);
+        MachineReset(*m);
+        if (paging >= 0) {
+            m->bus.PortLatch[2] = uint8_t(paging);
+            MemoryMapChanged(*m);
+        }
+        w = std::make_unique<ui::TScreen>(*m);
+        host.window = w.get();
     }
 };
 

@@ -31,20 +31,9 @@ using test::UiHost;
 
 constexpr int32_t kOrg = 0x8000;
 
-struct Fixture {
-    test::ScratchDir dir;
-    UiHost host;
-    std::unique_ptr<Machine> m = std::make_unique<Machine>(host);
-    std::unique_ptr<TScreen> w;
+struct Fixture : test::WindowFixture {
     CPUmon* mon = nullptr;
-    Fixture() {
-        test::WriteRomSet(dir);
-        MachineInit(*m);
-        MachineReset(*m);
-        m->bus.PortLatch[2] = 0xB0; // RAM everywhere
-        MemoryMapChanged(*m);
-        w = std::make_unique<TScreen>(*m);
-        host.window = w.get();
+    Fixture() : WindowFixture(0xB0) { // RAM everywhere
         w->Click("xDebug");
         mon = w->cpumon;
     }

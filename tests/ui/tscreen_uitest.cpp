@@ -29,17 +29,8 @@ namespace {
 
 using test::UiHost;
 
-struct Fixture {
-    test::ScratchDir dir;
-    UiHost host;
-    std::unique_ptr<Machine> m = std::make_unique<Machine>(host);
-    std::unique_ptr<TScreen> w;
+struct Fixture : test::WindowFixture {
     Fixture() {
-        test::WriteRomSet(dir);
-        MachineInit(*m);
-        MachineReset(*m);
-        w = std::make_unique<TScreen>(*m);
-        host.window = w.get();
         w->show();
         QVERIFY(QTest::qWaitForWindowExposed(w.get()));
     }
@@ -70,67 +61,21 @@ class TScreenTest : public QObject {
     void optionTogglesRebuildTheMachine();
 };
 
+// Captions are the form's own data; what the user starts with is which entries
+// are ticked and which greyed.
 void TScreenTest::menuEntriesStartAsTheFormDefinesThem() {
     Fixture f;
-    struct Row {
-        const char *name, *caption;
-        bool ticked, greyed;
-    };
-    const Row rows[] = {
-        {"xLoadCAS", "Load cas", false, false},
-        {"xSaveCAS", "Save cas", false, false},
-        {"xLoadSnap", "Load Snap", false, false},
-        {"xSaveSnap", "Save Snap", false, false},
-        {"xLoadCRT", "Load CRT", false, false},
-        {"xUnloadCRT", "Unload", false, false},
-        {"xSvaMEX4", "Save MEX4MB", false, true},
-        {"xio0", "I/O card 0: Floppy", false, true},
-        {"xio1", "I/O card 1: RS232", false, false},
-        {"xio2", "I/O card 2: SoundCard", true, false},
-        {"xio3", "I/O card 3: (IO3.rom)", false, false},
-        {"xSaveScrren", "Save Screen", false, false},
-        {"xMemDump", "Memory dump", false, false},
-        {"xReset", "Reset", false, false},
-        {"xReset2", "Reset2", false, false},
-        {"xdiskload", "Disk Load", false, true},
-        {"xTapeLoad", "Tape Load", false, false},
-        {"xFullsc", "FullScreen", false, false},
-        {"xScreenBW", "Screen BW", false, false},
-        {"xScreenDIB", "Screen DIB", true, false},
-        {"xScreenNoise", "Screen noise", false, false},
-        {"xSound", "Sound", true, false},
-        {"xNoError", "Ignore CPU error", false, true},
-        {"xUnDoc", "Undocumented", true, false},
-        {"x32KB", "32K", false, false},
-        {"xBasic", "Basic 2.2", false, false},
-        {"xS1", "Pause", false, false},
-        {"xS2", "0.5x", false, true},
-        {"xS3", "Normal", true, false},
-        {"xS4", "2x", false, true},
-        {"xS5", "4x", false, true},
-        {"xS6", "Max", false, false},
-        {"xTVCmon", "TVC monitor", false, false},
-        {"xDebug", "Z80 monitor", false, false},
-        {"xAsse", "Assembler", false, false},
-        {"xPrinter", "Printer", false, false},
-        {"xSerial", "Serial", false, false},
-        {"xsaa", "SAA1099", false, false},
-        {"xSN76", "SN76489", false, false},
-        {"xYM", "YM3812", false, false},
-        {"xYM2", "YM2413", false, false},
-        {"xSID", "SID6581", false, false},
-        {"xAY3", "AY-3-8910", false, false},
-        {"xErrorSim", "ErrorSim", false, false},
-        {"xTools", "Tools", false, false},
-        {"xHelp", "Help", false, false},
-    };
-    for (const Row& r : rows) {
-        QAction* a = f.w->Item(r.name);
-        QVERIFY2(a, r.name);
-        QCOMPARE(a->text(), QString(r.caption));
-        QCOMPARE(a->isChecked(), r.ticked);
-        QCOMPARE(!a->isEnabled(), r.greyed);
+    const QStringList ticked = {"xio2", "xScreenDIB", "xSound", "xUnDoc", "xS3"};
+    const QStringList greyed = {"xSvaMEX4", "xio0", "xdiskload", "xNoError", "xS2", "xS4", "xS5"};
+    int entries = 0;
+    for (QAction* a : f.w->findChildren<QAction*>()) {
+        if (a->objectName().isEmpty() || a->isSeparator()) continue;
+        ++entries;
+        QCOMPARE(a->isChecked(), ticked.contains(a->objectName()));
+        QCOMPARE(!a->isEnabled(), greyed.contains(a->objectName()));
     }
+    QVERIFY(entries >= 46);
+    QCOMPARE(f.w->Item("xio2")->text(), QString("I/O card 2: SoundCard"));
     for (const char* sep : {"semmi", "semmi2", "semmi3", "semmi4"})
         QVERIFY(f.w->Item(sep)->isSeparator());
     QCOMPARE(f.w->windowTitle(), QString("LUMEKTVC"));

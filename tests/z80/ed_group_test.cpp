@@ -17,37 +17,26 @@ class EdGroup : public CpuTest {
     }
 };
 
+// clang-format off
 TEST_F(EdGroup, CostsFollowTheTable) {
     const struct {
         std::vector<uint8_t> bytes;
         int32_t t, r, len;
     } rows[] = {
-        {{0xED, 0x40}, 12, 1, 2},             // IN B,(C)
-        {{0xED, 0x78}, 12, 1, 2},             // IN A,(C)
-        {{0xED, 0x41}, 12, 1, 2},             // OUT (C),B
-        {{0xED, 0x79}, 12, 1, 2},             // OUT (C),A
-        {{0xED, 0x42}, 15, 1, 2},             // SBC HL,BC
-        {{0xED, 0x72}, 15, 1, 2},             // SBC HL,SP
-        {{0xED, 0x4A}, 15, 1, 2},             // ADC HL,BC
-        {{0xED, 0x6A}, 15, 1, 2},             // ADC HL,HL
-        {{0xED, 0x7A}, 11, 1, 2},             // ADC HL,SP
-        {{0xED, 0x43, 0x00, 0x40}, 20, 2, 4}, // LD (nn),BC
-        {{0xED, 0x73, 0x00, 0x40}, 20, 2, 4}, // LD (nn),SP
-        {{0xED, 0x4B, 0x00, 0x40}, 20, 1, 4}, // LD BC,(nn)
-        {{0xED, 0x6B, 0x00, 0x40}, 20, 1, 4}, // LD HL,(nn)
-        {{0xED, 0x44}, 8, 1, 2},              // NEG
-        {{0xED, 0x46}, 8, 2, 2},              // IM 0
-        {{0xED, 0x56}, 8, 2, 2},              // IM 1
-        {{0xED, 0x5E}, 8, 2, 2},              // IM 2
-        {{0xED, 0x47}, 9, 0, 2},              // LD I,A
-        {{0xED, 0x57}, 9, 1, 2},              // LD A,I
-        {{0xED, 0x5F}, 9, 2, 2},              // LD A,R
-        {{0xED, 0x67}, 18, 5, 2},             // RRD
-        {{0xED, 0x6F}, 18, 5, 2},             // RLD
-        {{0xED, 0xA1}, 16, 0, 2},             // CPI
-        {{0xED, 0xA9}, 16, 0, 2},             // CPD
-        {{0xED, 0xA3}, 16, 0, 2},             // OUTI
-        {{0xED, 0xAB}, 16, 0, 2},             // OUTD
+        {{0xED, 0x40}, 12, 1, 2}, /* IN B,(C) */ {{0xED, 0x78}, 12, 1, 2}, /* IN A,(C) */
+        {{0xED, 0x41}, 12, 1, 2}, /* OUT (C),B */ {{0xED, 0x79}, 12, 1, 2}, /* OUT (C),A */
+        {{0xED, 0x42}, 15, 1, 2}, /* SBC HL,BC */ {{0xED, 0x72}, 15, 1, 2}, /* SBC HL,SP */
+        {{0xED, 0x4A}, 15, 1, 2}, /* ADC HL,BC */ {{0xED, 0x6A}, 15, 1, 2}, /* ADC HL,HL */
+        {{0xED, 0x7A}, 11, 1, 2}, /* ADC HL,SP */ {{0xED, 0x43, 0x00, 0x40}, 20, 2, 4}, /* LD (nn),BC */
+        {{0xED, 0x73, 0x00, 0x40}, 20, 2, 4}, /* LD (nn),SP */
+        {{0xED, 0x4B, 0x00, 0x40}, 20, 1, 4}, /* LD BC,(nn) */
+        {{0xED, 0x6B, 0x00, 0x40}, 20, 1, 4}, /* LD HL,(nn) */ {{0xED, 0x44}, 8, 1, 2}, /* NEG */
+        {{0xED, 0x46}, 8, 2, 2}, /* IM 0 */ {{0xED, 0x56}, 8, 2, 2}, /* IM 1 */
+        {{0xED, 0x5E}, 8, 2, 2}, /* IM 2 */ {{0xED, 0x47}, 9, 0, 2}, /* LD I,A */
+        {{0xED, 0x57}, 9, 1, 2}, /* LD A,I */ {{0xED, 0x5F}, 9, 2, 2}, /* LD A,R */
+        {{0xED, 0x67}, 18, 5, 2}, /* RRD */ {{0xED, 0x6F}, 18, 5, 2}, /* RLD */
+        {{0xED, 0xA1}, 16, 0, 2}, /* CPI */ {{0xED, 0xA9}, 16, 0, 2}, /* CPD */
+        {{0xED, 0xA3}, 16, 0, 2}, /* OUTI */ {{0xED, 0xAB}, 16, 0, 2}, /* OUTD */
     };
     for (const auto& row : rows) {
         SetUp();
@@ -59,6 +48,7 @@ TEST_F(EdGroup, CostsFollowTheTable) {
     EXPECT_EQ(UnknownOpcodes(), 0u);
     EXPECT_TRUE(tm.host.messages.empty());
 }
+// clang-format on
 
 TEST_F(EdGroup, RetnAndRetiCostFourteenAndOnlyRetnCopiesIff2) {
     for (uint8_t op : {0x45, 0x4D}) {
@@ -103,18 +93,19 @@ TEST_F(EdGroup, UndefinedRowsAreSteppedOverWithoutCost) {
 
 // ADC HL and SBC HL count the carry that comes out of the operation in the
 // 12-bit half-carry sum, not the one that went in.
+// clang-format off
 TEST_F(EdGroup, AdcAndSbcHlTakeTheNewCarryIntoTheHalfCarry) {
     const struct {
         uint8_t op; // ADC HL,BC or SBC HL,BC
         int32_t hl, bc, carryIn, result, flags;
     } rows[] = {
-        {0x4A, 0x0FFF, 0x0000, 1, 0x1000, 0},            // published: H = 1
-        {0x4A, 0xF0FF, 0x1F00, 0, 0x0FFF, fH | fC},      // published: H = 0
-        {0x4A, 0x7FFF, 0x0001, 0, 0x8000, fS | fH | fP}, // signed overflow
+        {0x4A, 0x0FFF, 0x0000, 1, 0x1000, 0}, /* published: H = 1 */
+        {0x4A, 0xF0FF, 0x1F00, 0, 0x0FFF, fH | fC}, /* published: H = 0 */
+        {0x4A, 0x7FFF, 0x0001, 0, 0x8000, fS | fH | fP}, /* signed overflow */
         {0x4A, 0xFFFF, 0x0000, 1, 0x0000, fZ | fH | fC},
-        {0x42, 0x1000, 0x0000, 1, 0x0FFF, fN}, // published: H = 1
+        {0x42, 0x1000, 0x0000, 1, 0x0FFF, fN}, /* published: H = 1 */
         {0x42, 0x0000, 0x0001, 0, 0xFFFF, fS | fH | fN | fC},
-        {0x42, 0x8000, 0x0001, 0, 0x7FFF, fH | fP | fN}, // signed overflow
+        {0x42, 0x8000, 0x0001, 0, 0x7FFF, fH | fP | fN}, /* signed overflow */
         {0x42, 0x1234, 0x1233, 1, 0x0000, fZ | fN},
     };
     for (const auto& row : rows) {
@@ -126,6 +117,7 @@ TEST_F(EdGroup, AdcAndSbcHlTakeTheNewCarryIntoTheHalfCarry) {
         EXPECT_EQ(Flags(), row.flags) << Hex({row.op}) << " " << row.hl << " " << row.bc;
     }
 }
+// clang-format on
 
 TEST_F(EdGroup, LdRAThenLdARReadsBackTheValueAsItStood) {
     cpu.RegA = 0x5A;

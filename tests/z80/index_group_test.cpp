@@ -33,43 +33,31 @@ class IndexGroup : public CpuTest {
     }
 };
 
+// clang-format off
 TEST_F(IndexGroup, DdAndFdCostsFollowTheirOwnTables) {
     const struct {
         std::vector<uint8_t> rest; // after the prefix
         int32_t tDD, tFD, rDD, rFD, len;
     } rows[] = {
-        {{0x09}, 15, 15, 1, 1, 1},             // ADD IX,BC
-        {{0x19}, 15, 15, 1, 1, 1},             // ADD IX,DE
-        {{0x29}, 15, 15, 1, 4, 1},             // ADD IX,IX
-        {{0x39}, 15, 15, 1, 4, 1},             // ADD IX,SP
-        {{0x21, 0x34, 0x12}, 19, 19, 1, 1, 3}, // LD IX,nn
-        {{0x22, 0x00, 0x40}, 20, 20, 2, 2, 3}, // LD (nn),IX
-        {{0x23}, 6, 6, 1, 1, 1},               // INC IX
-        {{0x2A, 0x00, 0x40}, 20, 20, 1, 1, 3}, // LD IX,(nn)
-        {{0x2B}, 6, 10, 1, 2, 1},              // DEC IX: 6 against DEC IY 10
-        {{0x34, 0x05}, 23, 23, 1, 2, 2},       // INC (IX+d)
-        {{0x35, 0x05}, 23, 23, 1, 2, 2},       // DEC (IX+d)
-        {{0x36, 0x05, 0x99}, 19, 19, 1, 1, 3}, // LD (IX+d),n
-        {{0x46, 0x05}, 19, 19, 1, 2, 2},       // LD B,(IX+d)
-        {{0x4E, 0x05}, 19, 19, 1, 2, 2},
-        {{0x56, 0x05}, 19, 19, 1, 2, 2},
-        {{0x5E, 0x05}, 19, 19, 1, 2, 2},
-        {{0x66, 0x05}, 19, 19, 2, 2, 2}, // LD H,(IX+d)
-        {{0x6E, 0x05}, 19, 19, 1, 2, 2},
-        {{0x7E, 0x05}, 19, 19, 2, 2, 2}, // LD A,(IX+d)
-        {{0x70, 0x05}, 19, 20, 1, 1, 2}, // LD (IX+d),r: 19 against 20
-        {{0x75, 0x05}, 19, 20, 1, 1, 2},
-        {{0x77, 0x05}, 19, 20, 1, 1, 2},
-        {{0x86, 0x05}, 19, 19, 1, 1, 2}, // ADD A,(IX+d)
-        {{0x8E, 0x05}, 19, 19, 1, 4, 2}, // ADC
-        {{0x96, 0x05}, 19, 19, 1, 1, 2}, // SUB
-        {{0x9E, 0x05}, 19, 19, 1, 5, 2}, // SBC
-        {{0xA6, 0x05}, 19, 19, 1, 1, 2},
-        {{0xBE, 0x05}, 19, 19, 1, 1, 2}, // CP
-        {{0xE1}, 10, 10, 1, 1, 1},       // POP IX
-        {{0xE3}, 23, 23, 2, 2, 1},       // EX (SP),IX
-        {{0xE5}, 15, 15, 1, 1, 1},       // PUSH IX
-        {{0xF9}, 10, 10, 2, 2, 1},       // LD SP,IX
+        {{0x09}, 15, 15, 1, 1, 1}, /* ADD IX,BC */ {{0x19}, 15, 15, 1, 1, 1}, /* ADD IX,DE */
+        {{0x29}, 15, 15, 1, 4, 1}, /* ADD IX,IX */ {{0x39}, 15, 15, 1, 4, 1}, /* ADD IX,SP */
+        {{0x21, 0x34, 0x12}, 19, 19, 1, 1, 3}, /* LD IX,nn */
+        {{0x22, 0x00, 0x40}, 20, 20, 2, 2, 3}, /* LD (nn),IX */ {{0x23}, 6, 6, 1, 1, 1}, /* INC IX */
+        {{0x2A, 0x00, 0x40}, 20, 20, 1, 1, 3}, /* LD IX,(nn) */
+        {{0x2B}, 6, 10, 1, 2, 1}, /* DEC IX: 6 against DEC IY 10 */
+        {{0x34, 0x05}, 23, 23, 1, 2, 2}, /* INC (IX+d) */ {{0x35, 0x05}, 23, 23, 1, 2, 2}, /* DEC (IX+d) */
+        {{0x36, 0x05, 0x99}, 19, 19, 1, 1, 3}, /* LD (IX+d),n */
+        {{0x46, 0x05}, 19, 19, 1, 2, 2}, /* LD B,(IX+d) */ {{0x4E, 0x05}, 19, 19, 1, 2, 2},
+        {{0x56, 0x05}, 19, 19, 1, 2, 2}, {{0x5E, 0x05}, 19, 19, 1, 2, 2},
+        {{0x66, 0x05}, 19, 19, 2, 2, 2}, /* LD H,(IX+d) */ {{0x6E, 0x05}, 19, 19, 1, 2, 2},
+        {{0x7E, 0x05}, 19, 19, 2, 2, 2}, /* LD A,(IX+d) */
+        {{0x70, 0x05}, 19, 20, 1, 1, 2}, /* LD (IX+d),r: 19 against 20 */ {{0x75, 0x05}, 19, 20, 1, 1, 2},
+        {{0x77, 0x05}, 19, 20, 1, 1, 2}, {{0x86, 0x05}, 19, 19, 1, 1, 2}, /* ADD A,(IX+d) */
+        {{0x8E, 0x05}, 19, 19, 1, 4, 2}, /* ADC */ {{0x96, 0x05}, 19, 19, 1, 1, 2}, /* SUB */
+        {{0x9E, 0x05}, 19, 19, 1, 5, 2}, /* SBC */ {{0xA6, 0x05}, 19, 19, 1, 1, 2},
+        {{0xBE, 0x05}, 19, 19, 1, 1, 2}, /* CP */ {{0xE1}, 10, 10, 1, 1, 1}, /* POP IX */
+        {{0xE3}, 23, 23, 2, 2, 1}, /* EX (SP),IX */ {{0xE5}, 15, 15, 1, 1, 1}, /* PUSH IX */
+        {{0xF9}, 10, 10, 2, 2, 1}, /* LD SP,IX */
     };
     for (uint8_t prefix : {DD, FD}) {
         for (const auto& row : rows) {
@@ -85,6 +73,7 @@ TEST_F(IndexGroup, DdAndFdCostsFollowTheirOwnTables) {
     }
     EXPECT_EQ(UnknownOpcodes(), 0u);
 }
+// clang-format on
 
 TEST_F(IndexGroup, JpIndexJumpsForEightTStates) {
     for (uint8_t prefix : {DD, FD}) {
@@ -212,33 +201,34 @@ TEST_F(IndexGroup, StackRowsAndLdSp) {
     EXPECT_EQ(cpu.RegSP, 0xDFFE);
     Run({FD, 0xE1}); // POP IY
     EXPECT_EQ(cpu.RegIY, 0xBEEF);
-    Poke(0xE000, 0x34);
-    Poke(0xE001, 0x12);
-    Run({FD, 0xE3}); // EX (SP),IY
-    EXPECT_EQ(cpu.RegIY, 0x1234);
-    EXPECT_EQ(Peek(0xE000) | Peek(0xE001) << 8, 0xBEEF);
+    // EX (SP),HL, EX (SP),IX and EX (SP),IY swap the word at SP, low byte first.
+    for (uint8_t prefix : {uint8_t(0), DD, FD}) {
+        cpu.SetHL(0xBEEF), cpu.RegIX = 0xBEEF, cpu.RegIY = 0xBEEF;
+        Poke(0xE000, 0x34);
+        Poke(0xE001, 0x12);
+        Run(prefix ? std::vector<uint8_t>{prefix, 0xE3} : std::vector<uint8_t>{0xE3});
+        EXPECT_EQ(prefix == DD   ? cpu.RegIX
+                  : prefix == FD ? cpu.RegIY
+                                 : cpu.HL(),
+                  0x1234)
+            << +prefix;
+        EXPECT_EQ(Peek(0xE000) | Peek(0xE001) << 8, 0xBEEF) << +prefix;
+    }
     Run({FD, 0xF9}); // LD SP,IY
     EXPECT_EQ(cpu.RegSP, 0x1234);
 }
 
+// clang-format off
 TEST_F(IndexGroup, DdcbAndFdcbCostsFollowTheirOwnTables) {
     const struct {
         uint8_t op;
         int32_t tDD, tFD, rDD, rFD;
     } rows[] = {
-        {0x06, 23, 20, 1, 1}, // RLC
-        {0x0E, 23, 23, 1, 6}, // RRC: FDCB steps R by 6
-        {0x16, 23, 23, 1, 1}, // RL
-        {0x1E, 23, 23, 1, 1}, // RR
-        {0x26, 6, 23, 1, 1},  // SLA
-        {0x2E, 6, 23, 1, 1},  // SRA
-        {0x3E, 6, 23, 1, 1},  // SRL
-        {0x46, 20, 20, 1, 1}, // BIT 0
-        {0x7E, 20, 20, 1, 1}, // BIT 7
-        {0x86, 23, 20, 1, 1}, // RES 0
-        {0xBE, 23, 20, 1, 1}, // RES 7
-        {0xC6, 23, 20, 1, 1}, // SET 0
-        {0xFE, 23, 20, 1, 1}, // SET 7
+        {0x06, 23, 20, 1, 1}, /* RLC */ {0x0E, 23, 23, 1, 6}, /* RRC: FDCB steps R by 6 */
+        {0x16, 23, 23, 1, 1}, /* RL */ {0x1E, 23, 23, 1, 1}, /* RR */ {0x26, 6, 23, 1, 1}, /* SLA */
+        {0x2E, 6, 23, 1, 1}, /* SRA */ {0x3E, 6, 23, 1, 1}, /* SRL */ {0x46, 20, 20, 1, 1}, /* BIT 0 */
+        {0x7E, 20, 20, 1, 1}, /* BIT 7 */ {0x86, 23, 20, 1, 1}, /* RES 0 */ {0xBE, 23, 20, 1, 1}, /* RES 7 */
+        {0xC6, 23, 20, 1, 1}, /* SET 0 */ {0xFE, 23, 20, 1, 1}, /* SET 7 */
     };
     for (uint8_t prefix : {DD, FD}) {
         for (const auto& row : rows) {
@@ -250,6 +240,7 @@ TEST_F(IndexGroup, DdcbAndFdcbCostsFollowTheirOwnTables) {
     }
     EXPECT_EQ(UnknownOpcodes(), 0u);
 }
+// clang-format on
 
 // The exerciser's shift group fails on purpose (FDCB SLL), so a shift on
 // (IX+d) is checked here; its BIT, SET and RES groups pass.

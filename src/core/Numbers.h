@@ -15,4 +15,13 @@ inline int64_t RoundHalfEven(double v) {
     return static_cast<int64_t>(f);
 }
 
+// RoundHalfEven held to lo..hi: a value out of range (infinities too) takes
+// the nearer bound and NaN gives 0, so no conversion can overflow.
+inline int32_t RoundClamp(double v, int32_t lo, int32_t hi) {
+    if (v != v) return 0;
+    if (v <= lo) return lo;
+    if (v >= hi) return hi;
+    return static_cast<int32_t>(RoundHalfEven(v));
+}
+
 } // namespace tvc

@@ -11,7 +11,7 @@ namespace tvc {
 inline int64_t RoundHalfEven(double v) {
     double f = std::floor(v);
     double frac = v - f;
-    if (frac > 0.5 || (frac == 0.5 && std::fmod(f, 2.0) != 0.0)) f += 1.0;
+    if (frac > 0.5 || (frac == 0.5 && f != 2.0 * std::floor(f * 0.5))) f += 1.0; // odd: up
     return static_cast<int64_t>(f);
 }
 

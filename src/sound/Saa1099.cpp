@@ -1,5 +1,6 @@
 #include "sound/Saa1099.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 
@@ -115,12 +116,19 @@ void EnvelopePasses(Saa1099& s) {
     }
 }
 
+// The tone matrix holds only 0 and 255, so the tone term takes two values.
+// A noise share n x a / 31 never falls on a half (31 is odd and prime to
+// 2), so rounding the sum with a whole tone term equals adding the rounded
+// share, which the noise table holds.
 void LevelPass(const Saa1099& s, int c, uint8_t* x, int amp) {
     const double d = c < 3 ? 31 : 30;
+    const int32_t high = s.SaaToneEnable[c] ? RoundClamp(255 / d * amp, 0, 255) : 0;
     const uint8_t* noise = s.Noise[c < 3 ? 0 : 1];
+    const int32_t* share = s.SaaNoiseShare[amp & 15];
+    const bool noisy = s.SaaNoiseEnable[c];
     for (int i = 0; i < kBlock; ++i) {
-        double v = s.SaaToneEnable[c] ? RoundClamp(x[i] / d * amp, 0, 255) : 0;
-        if (s.SaaNoiseEnable[c]) v = RoundClamp(v + noise[i] / 31.0 * amp, 0, 255);
+        int32_t v = x[i] == 255 ? high : 0;
+        if (noisy) v = std::min(v + share[noise[i]], 255);
         x[i] = static_cast<uint8_t>(v);
     }
 }
@@ -132,15 +140,17 @@ void Scale(uint8_t* x, const uint8_t* env, bool invert, bool unity) {
     }
 }
 
+// Each channel's share x / 8 is exact, so the sum of the bytes over 8 is
+// the same number.
 void Sum(Saa1099& s) {
     for (int i = 0; i < kBlock; ++i) {
-        double l = 0, r = 0;
+        int32_t l = 0, r = 0;
         for (int c = 0; c < Saa1099::kChannels; ++c) {
-            l += s.LeftMatrix[c][i] / 8.0;
-            r += s.RightMatrix[c][i] / 8.0;
+            l += s.LeftMatrix[c][i];
+            r += s.RightMatrix[c][i];
         }
-        s.SaaLeft[i] = static_cast<int16_t>(RoundClamp(l, 0, kSideCap));
-        s.SaaRight[i] = static_cast<int16_t>(RoundClamp(r, 0, kSideCap));
+        s.SaaLeft[i] = static_cast<int16_t>(RoundClamp(l / 8.0, 0, kSideCap));
+        s.SaaRight[i] = static_cast<int16_t>(RoundClamp(r / 8.0, 0, kSideCap));
     }
 }
 
@@ -204,6 +214,9 @@ void SaaLoadTable(Machine& m) {
             const double fixed = std::floor(15625.0 * (1 << oct) / (511 - f) * 8192);
             m.saa.SaaFreqTable[oct * 256 + f] = static_cast<int32_t>(RoundHalfEven(fixed / 8192));
         }
+    for (int a = 0; a < 16; ++a)
+        for (int n = 0; n < 256; ++n)
+            m.saa.SaaNoiseShare[a][n] = static_cast<int32_t>(RoundHalfEven(n / 31.0 * a));
 }
 
 // Leaves the all-enable, the noise rates and the generators as they are.

@@ -38,6 +38,7 @@ struct Saa1099 {
     float SaaEnvPhase[2] = {};           // the repeating shapes' phase
     float SaaEnvLevel[2] = {};           // the last envelope value of a block
     int32_t SaaFreqTable[2048] = {};     // whole hertz by octave * 256 + frequency byte
+    int32_t SaaNoiseShare[16][256] = {}; // round(noise / 31 * amplitude)
 
     // Work buffers of one block. The tone and side matrices stay after the
     // render: the panel's pictures show the right side of the last block.

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "sound/ChipControls.h"
+
 namespace tvc {
 
 struct CPUmonControls {
@@ -23,10 +25,14 @@ struct TVCmonControls {
     bool Check3 = true;  // "Int enabled": lets the tone generator raise its interrupt
 };
 
-// The SAA1099 panel's controls that the audio pipeline touches.
+// The SAA1099 panel's controls that the audio pipeline and the chip touch.
 struct FsaaControls {
     int Command1Color = 0xFFFFFF; // "Record": white idle, red (255) recording
     std::string Label11;          // BlockIndex at the last delivery
+    bool Check2 = false;          // "Manual": the program's writes are dropped
+    bool Check11 = true;          // "patch": tone always on for channel 2
+    bool Check12 = true;          // "patch": tone always on for channel 5
+    std::string Label8, Label9;   // shape names of envelopes 0 and 1
 };
 
 // The error simulator's controls; the video fault's "Enabled" box is
@@ -55,6 +61,8 @@ struct Controls {
     TToolsControls TTools;
     ErrorSimControls ErrorSim;
     FsaaControls Fsaa;
+    FSN76489Controls FSN76489;
+    T8910Controls T8910;
 };
 
 } // namespace tvc

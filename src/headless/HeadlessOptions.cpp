@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string_view>
 
+#include "core/ControlItems.h"
 #include "core/MenuState.h"
 
 namespace tvc::headless {
@@ -17,6 +18,10 @@ Machine set-up (applied in this order):
                          (xBasic, x32KB, xio0..xio3, xUnDoc, xS6, xScreenBW, ...);
                          xUnDoc takes effect as its menu command does, after start
   --cart FILE            load a 16 KB cartridge image (a path relative to --dir)
+  --control FORM.NAME[(i)]=V
+                         set a chip panel's control before the run, element i
+                         of a control array (Fsaa.Check2=1 "Manual",
+                         Fsaa.Check11=0 "patch", FSN76489.Check3=1, ...)
   --port N=V             set PortLatch[N] after reset
   --load-bin FILE        load a file into memory from index 0 (at most 65536 bytes)
   --poke ADDR=VAL        write a byte through the memory map
@@ -102,7 +107,7 @@ std::optional<int32_t> InRange(const std::string& text, int64_t lo, int64_t hi) 
 constexpr std::string_view kValueOptions[] = {
     "--dir",   "--set",    "--port",      "--reg",        "--load-bin",   "--poke",
     "--steps", "--frames", "--dump-regs", "--dump-mem",   "--screenshot", "--disasm",
-    "--audio", "--cart",   "--type",      "--type-after",
+    "--audio", "--cart",   "--type",      "--type-after", "--control",
 };
 
 bool KnownMenuItem(const std::string& name) {
@@ -164,6 +169,15 @@ std::optional<Options> ParseOptions(const std::vector<std::string>& args, std::s
                 !(v = InRange(r, 0, 255)))
                 return fail("--poke takes ADDR=VAL (0..65535, 0..255), not '" + value + "'");
             o.pokes.emplace_back(*ad, *v);
+        } else if (name == "--control") {
+            std::optional<int32_t> v;
+            std::optional<ControlRef> ref;
+            if (!SplitPair(value, '=', l, r) || !(ref = FindControl(l)) ||
+                !(v = InRange(r, ref->item->lo, ref->item->hi)))
+                return fail("--control takes FORM.NAME[(i)]=V with a known control and a value "
+                            "in its range, not '" +
+                            value + "'");
+            o.controls.emplace_back(l, *v);
         } else if (name == "--cart") {
             if (value.empty()) return fail("--cart takes a file name");
             o.cart = value;

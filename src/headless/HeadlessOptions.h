@@ -32,6 +32,7 @@ struct Options {
     int64_t typeAfter = 100;                           // frame at which typing begins
     std::optional<std::pair<int32_t, int32_t>> disasm; // address, lines
     std::optional<std::string> audio;                  // WAV file of the machine's sound
+    std::vector<std::pair<std::string, int32_t>> controls; // panel controls by FORM.NAME[(i)]
     bool help = false;
 };
 

@@ -11,6 +11,7 @@
 #include <sstream>
 
 #include "asm/Disassembler.h"
+#include "core/ControlItems.h"
 #include "core/Machine.h"
 #include "core/RunLoop.h"
 #include "core/StateFields.h"
@@ -131,6 +132,8 @@ int Main(const std::vector<std::string>& args) {
         if (name == "xUnDoc") undoc = value;
     }
     m.menu.xS6 = true; // the runner always runs at "Max" pace
+    for (const auto& [name, value] : o.controls)
+        SetControl(m.forms, name, value, error);
     if (!o.cart.empty()) m.bus.SetCartName(o.cart);
 
     std::optional<KeyQueue> keys;

@@ -1,0 +1,59 @@
+#include "core/ControlItems.h"
+
+#include <charconv>
+
+namespace tvc {
+
+namespace {
+
+constexpr ControlItem kItems[] = {
+    CheckItem<&Controls::Fsaa, &FsaaControls::Check2>("Fsaa.Check2"),
+    CheckItem<&Controls::Fsaa, &FsaaControls::Check11>("Fsaa.Check11"),
+    CheckItem<&Controls::Fsaa, &FsaaControls::Check12>("Fsaa.Check12"),
+    CheckItem<&Controls::FSN76489, &FSN76489Controls::Check3>("FSN76489.Check3"),
+};
+
+} // namespace
+
+std::span<const ControlItem> ControlItems() {
+    return kItems;
+}
+
+std::optional<ControlRef> FindControl(std::string_view text) {
+    std::string_view name = text;
+    int32_t index = 0;
+    bool indexed = false;
+    if (const size_t open = text.find('('); open != std::string_view::npos) {
+        if (text.back() != ')') return std::nullopt;
+        const std::string_view digits = text.substr(open + 1, text.size() - open - 2);
+        const auto [end, ec] = std::from_chars(digits.data(), digits.data() + digits.size(), index);
+        if (ec != std::errc() || end != digits.data() + digits.size() || digits.empty())
+            return std::nullopt;
+        name = text.substr(0, open);
+        indexed = true;
+    }
+    for (const ControlItem& item : kItems) {
+        if (name != item.name) continue;
+        if (indexed != (item.count > 0)) return std::nullopt;
+        if (indexed && (index < 0 || index >= item.count)) return std::nullopt;
+        return ControlRef{&item, index};
+    }
+    return std::nullopt;
+}
+
+bool SetControl(Controls& c, std::string_view text, int64_t value, std::string& error) {
+    const auto ref = FindControl(text);
+    if (!ref) {
+        error = "unknown control '" + std::string(text) + "'";
+        return false;
+    }
+    if (value < ref->item->lo || value > ref->item->hi) {
+        error = std::string(text) + " takes " + std::to_string(ref->item->lo) + " to " +
+                std::to_string(ref->item->hi);
+        return false;
+    }
+    ref->item->set(c, ref->index, static_cast<int32_t>(value));
+    return true;
+}
+
+} // namespace tvc

@@ -34,7 +34,8 @@ TEST(MediaHeadless, CasLoadThenSaveKeepsTheBody) {
     ASSERT_EQ(r.status, 0) << r.out;
     const std::string u = d.Read("u.cas");
     ASSERT_EQ(u.size(), cas.size());
-    EXPECT_TRUE(std::equal(u.begin() + 144, u.end(), cas.begin() + 144));
+    EXPECT_TRUE(std::equal(u.begin() + 144, u.end(), cas.begin() + 144,
+                           [](char a, uint8_t b) { return uint8_t(a) == b; }));
 }
 
 TEST(MediaHeadless, SnapshotSaveLoadSave) {

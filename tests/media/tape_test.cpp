@@ -67,7 +67,7 @@ TEST(TapeInput, SixteenBitStereoIsConvertedToEightBitMono) {
     SNDFILE* f = sf_open("st.wav", SFM_WRITE, &info);
     ASSERT_NE(f, nullptr);
     // Left and right differ; their mean decides: +20000 is high, -20000 low.
-    const short frames[] = {30000, 10000, -30000, -10000, 30000, 10000, 0, -2};
+    const short frames[] = {30000, 10000, -30000, -10000, 30000, 10000, -20000, -20000};
     sf_writef_short(f, frames, 4);
     sf_close(f);
     ASSERT_TRUE(TapeOpenInput(t.m(), "st.wav"));
@@ -121,7 +121,7 @@ TEST(TapeOutput, LevelsAlternateAndMarkTheToneSlot) {
         EXPECT_EQ(t.m().tape.TapeLevel, levels[i]);
         EXPECT_EQ(t.m().sound.ToneSlots[1000 * (i + 1) / 142], levels[i] == kTapeHigh ? 17 : 16);
     }
-    t.cpu().TStates = 62600; // an overrunning frame: the last slot, and a message
+    t.cpu().TStates = 62700; // an overrunning frame: the last slot, and a message
     TapeEdge(t.m());
     EXPECT_EQ(t.m().sound.ToneSlots[440], 16);
     ASSERT_EQ(t.host.messages.size(), 1u);

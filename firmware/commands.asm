@@ -63,6 +63,10 @@ commands:
         dw cmd_color
         db "MODE",0
         dw cmd_mode
+        db "TSAVE",0
+        dw cmd_tsave
+        db "TLOAD",0
+        dw cmd_tload
         db 0
 
 ; Small letters of the text at HL to capitals, up to the 0.
@@ -208,6 +212,8 @@ help_text:
         db "  BEEP              sound a tone of about 1 kHz",13
         db "  COLOR [t [p [b]]] text, paper, border colour 0-F",13
         db "  MODE 2|4|16       test picture in 2, 4 or 16 colours",13
+        db "  TSAVE start end   save bytes start-end to tape",13
+        db "  TLOAD             load the next program from tape",13
         db 0
 
 ; CLS

@@ -164,6 +164,7 @@ prompt: db "> ",0
         include "screen.asm"
         include "input.asm"
         include "commands.asm"
+        include "tape.asm"
         include "pictures.asm"
         include "keys.inc"
         include "font.inc"

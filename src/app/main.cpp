@@ -76,6 +76,7 @@ int main(int argc, char** argv) {
 
     tvc::MachineInit(*machine);
     tvc::MachineReset(*machine);
+    tvc::TapeOpenInput(*machine, "load.wav"); // a missing tape is not reported
     tvc::SoundInit(*machine);
 
     // The audio link: the maps first, then the player that opens them.

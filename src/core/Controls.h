@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "sound/ChipControls.h"
+#include "media/MediaControls.h"
 
 namespace tvc {
 
@@ -63,6 +64,7 @@ struct Controls {
     FsaaControls Fsaa;
     FSN76489Controls FSN76489;
     T8910Controls T8910;
+    MediaControls Media;
 };
 
 } // namespace tvc

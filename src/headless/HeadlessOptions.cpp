@@ -22,8 +22,13 @@ Machine set-up (applied in this order):
                          set a chip panel's control before the run, element i
                          of a control array (Fsaa.Check2=1 "Manual",
                          Fsaa.Check11=0 "patch", FSN76489.Check3=1, ...)
+  --tape-in FILE         open FILE as the tape input, as the deck's file list
+                         does ("load.wav" is opened before it in any case);
+                         a wave that is not 8-bit mono is converted on opening
+  --load-snap FILE       load a snapshot (.tvs)
   --port N=V             set PortLatch[N] after reset
   --load-bin FILE        load a file into memory from index 0 (at most 65536 bytes)
+  --load-cas FILE        load a CAS file into BASIC's program area
   --poke ADDR=VAL        write a byte through the memory map
   --reg NAME=V           set a register, flag or line by its --dump-regs name
                          (RegPC=0x100, FlagC=1, IFF1=1, ...)
@@ -40,8 +45,14 @@ Running:
                          have passed, whichever is later.
   --type-after N         frame at which typing begins (default 100, 2 s: time
                          for the monitor to start)
+  --tape-out FILE.wav    tick the tape's Record box for the run and copy the
+                         tape output "save.wav" to FILE.wav after it
 Output, after the run:
-  --dump-regs FILE|-     the processor state and clocks as a JSON object
+  --save-cas FILE        save a CAS file of BASIC's program, as "Save cas"
+  --cas-range START:END  the range --save-cas saves (default: BASIC's pointers)
+  --save-snap FILE       save a snapshot
+  --save-mex FILE        save the MEX4MB expansion's 4 MB
+  --dump-regs FILE|-     the processor state, clocks and tape state as a JSON object
   --dump-mem ADDR:LEN:FILE
                          LEN bytes from ADDR, read through the memory map
   --screenshot FILE.png  the main window's picture as last painted: the
@@ -105,9 +116,11 @@ std::optional<int32_t> InRange(const std::string& text, int64_t lo, int64_t hi) 
 }
 
 constexpr std::string_view kValueOptions[] = {
-    "--dir",   "--set",    "--port",      "--reg",        "--load-bin",   "--poke",
-    "--steps", "--frames", "--dump-regs", "--dump-mem",   "--screenshot", "--disasm",
-    "--audio", "--cart",   "--type",      "--type-after", "--control",
+    "--dir",      "--set",      "--port",      "--reg",        "--load-bin",   "--poke",
+    "--steps",    "--frames",   "--dump-regs", "--dump-mem",   "--screenshot", "--disasm",
+    "--audio",    "--cart",     "--type",      "--type-after", "--tape-in",    "--load-snap",
+    "--load-cas", "--tape-out", "--save-cas",  "--cas-range",  "--save-snap",  "--save-mex",
+    "--control",
 };
 
 bool KnownMenuItem(const std::string& name) {
@@ -191,6 +204,24 @@ std::optional<Options> ParseOptions(const std::vector<std::string>& args, std::s
             auto v = ParseNumber(value);
             if (!v || *v < 0) return fail(name + " takes a count, not '" + value + "'");
             (name == "--steps" ? o.steps : o.frames) = *v;
+        } else if (name == "--tape-in" || name == "--load-snap" || name == "--load-cas" ||
+                   name == "--tape-out" || name == "--save-cas" || name == "--save-snap" ||
+                   name == "--save-mex") {
+            if (value.empty()) return fail(name + " takes a file name");
+            auto& slot = name == "--tape-in"     ? o.tapeIn
+                         : name == "--load-snap" ? o.loadSnap
+                         : name == "--load-cas"  ? o.loadCas
+                         : name == "--tape-out"  ? o.tapeOut
+                         : name == "--save-cas"  ? o.saveCas
+                         : name == "--save-snap" ? o.saveSnap
+                                                 : o.saveMex;
+            slot = value;
+        } else if (name == "--cas-range") {
+            std::optional<int32_t> from, to;
+            if (!SplitPair(value, ':', l, r) || !(from = InRange(l, 0, 65535)) ||
+                !(to = InRange(r, 0, 65535)))
+                return fail("--cas-range takes START:END, not '" + value + "'");
+            o.casRange = std::make_pair(*from, *to);
         } else if (name == "--audio") {
             o.audio = value;
         } else if (name == "--disasm") {

@@ -33,6 +33,10 @@ struct Options {
     std::optional<std::pair<int32_t, int32_t>> disasm; // address, lines
     std::optional<std::string> audio;                  // WAV file of the machine's sound
     std::vector<std::pair<std::string, int32_t>> controls; // panel controls by FORM.NAME[(i)]
+    std::optional<std::string> tapeIn, loadSnap, loadCas;  // media loaded before the run
+    std::optional<std::string> tapeOut;                    // "save.wav" of the run, copied here
+    std::optional<std::string> saveCas, saveSnap, saveMex; // media saved after the run
+    std::optional<std::pair<int32_t, int32_t>> casRange;   // Text6/Text7 of the CAS save
     bool help = false;
 };
 

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <memory>
@@ -21,6 +22,8 @@
 #include "hw/KeyQueue.h"
 #include "hw/MachineSetup.h"
 #include "hw/Memory.h"
+#include "media/MediaFiles.h"
+#include "media/Tape.h"
 #include "sound/SoundFX.h"
 #include "sound/WavRecorder.h"
 
@@ -34,6 +37,15 @@ constexpr uint64_t kFramesAfterTyping = 50;
 int Usage(const std::string& why) {
     std::cerr << "tvc-headless: " << why << "\nTry 'tvc-headless --help'.\n";
     return kExitUsage;
+}
+
+int CannotRead(const std::string& file) {
+    std::cerr << "tvc-headless: cannot read " << file << '\n';
+    return kExitIo;
+}
+int CannotWrite(const std::string& file) {
+    std::cerr << "tvc-headless: cannot write " << file << '\n';
+    return kExitIo;
 }
 
 bool SetMenu(Machine& m, const std::string& name, bool value) {
@@ -53,6 +65,9 @@ std::string RegsJson(Machine& m) {
     out << "  \"TotalT\": " << m.run.TotalT << ",\n";
     out << "  \"RunFlag\": " << int(m.run.RunFlag) << ",\n";
     out << "  \"FrameCount\": " << m.run.FrameCount << ",\n";
+    out << "  \"TapePos\": " << m.tape.TapePos << ",\n";
+    out << "  \"TapeLevel\": " << int(m.tape.TapeLevel) << ",\n";
+    out << "  \"TapeLastT\": " << m.tape.TapeLastT << ",\n";
     out << "  \"PortLatch\": [";
     for (int i = 0; i < 256; ++i)
         out << (i ? "," : "") << int(m.bus.PortLatch[i]);
@@ -134,7 +149,12 @@ int Main(const std::vector<std::string>& args) {
     m.menu.xS6 = true; // the runner always runs at "Max" pace
     for (const auto& [name, value] : o.controls)
         SetControl(m.forms, name, value, error);
-    if (!o.cart.empty()) m.bus.SetCartName(o.cart);
+    if (!o.cart.empty()) {
+        std::vector<uint8_t> probe;
+        uint64_t length = 0;
+        if (!ReadFileBounded(o.cart, 1, probe, length)) return CannotRead(o.cart);
+        m.bus.SetCartName(o.cart);
+    }
 
     std::optional<KeyQueue> keys;
     if (o.type) {
@@ -148,6 +168,10 @@ int Main(const std::vector<std::string>& args) {
     SoundInit(m);
     m.cpu.UndocEnabled = undoc ? 1 : 0;
 
+    TapeOpenInput(m, "load.wav"); // as at start-up: a missing file is not reported
+    if (o.tapeIn && !TapeOpenInput(m, *o.tapeIn)) return CannotRead(*o.tapeIn);
+    if (o.loadSnap && !LoadSnapShot(m, *o.loadSnap)) return kExitIo;
+
     for (const auto& [port, value] : o.ports)
         m.bus.PortLatch[port] = static_cast<uint8_t>(value);
     MemoryMapChanged(m);
@@ -156,6 +180,7 @@ int Main(const std::vector<std::string>& args) {
             std::cerr << "tvc-headless: cannot read " << file << '\n';
             return kExitIo;
         }
+    if (o.loadCas && !LoadCAS(m, *o.loadCas)) return kExitIo;
     for (const auto& [addr, value] : o.pokes)
         MemWrite(m, addr, value);
     const auto fields = StateFields(m);
@@ -176,9 +201,27 @@ int Main(const std::vector<std::string>& args) {
             audio.Add(unit, bytes);
         };
     }
+    if (o.tapeOut) TapeRecord(m, true);
     Run(m, o, keys ? &*keys : nullptr);
     m.sound.DeliveryTap = nullptr;
     audio.Close();
+    if (o.tapeOut) {
+        TapeRecord(m, false);
+        std::error_code ec;
+        std::filesystem::copy_file("save.wav", *o.tapeOut,
+                                   std::filesystem::copy_options::overwrite_existing, ec);
+        if (ec) return CannotWrite(*o.tapeOut);
+    }
+    if (o.saveCas) {
+        xSaveCAS(m);
+        if (o.casRange) {
+            m.forms.Media.Text6 = std::to_string(o.casRange->first);
+            m.forms.Media.Text7 = std::to_string(o.casRange->second);
+        }
+        if (!SaveCAS(m, *o.saveCas, "")) return kExitIo;
+    }
+    if (o.saveSnap && !SaveSnapshot(m, *o.saveSnap, "")) return kExitIo;
+    if (o.saveMex && !SaveMex4(m, *o.saveMex)) return kExitIo;
 
     if (o.dumpRegs && !WriteOut(*o.dumpRegs, RegsJson(m))) {
         std::cerr << "tvc-headless: cannot write " << *o.dumpRegs << '\n';

@@ -9,6 +9,7 @@
 #include "core/Machine.h"
 #include "hw/Memory.h"
 #include "hw/Ports.h"
+#include "media/MediaFiles.h"
 
 namespace tvc {
 
@@ -60,14 +61,12 @@ bool LoadSystemRoms(Machine& m) {
 
 void LoadCartridge(Machine& m) {
     Bus& b = m.bus;
-    b.MexMem.clear();
+    // An unloaded expansion keeps its 4 MB, no longer mapped.
     if (b.CartName.empty()) {
         std::fill_n(&b.Mem[0x14000], 16384, uint8_t{0});
-    } else if (b.MexActive) {
-        if (auto buf = ReadOptional(m, b.CartName, size_t(kMexPages) * kMexPageSize))
-            b.MexMem = std::move(*buf);
-    } else if (auto buf = ReadOptional(m, b.CartName, 16384)) {
-        CopyToMem(m, *buf, 0, 0x14000, 16384);
+    } else if (auto buf = ReadOptional(m, b.CartName,
+                                       b.MexActive ? size_t(kMexPages) * kMexPageSize : 16384)) {
+        PlaceCartridge(m, *buf);
     }
     MemoryMapChanged(m);
 }

@@ -147,12 +147,13 @@ TEST(Monitor, HelpAndBackspace) {
     EXPECT_EQ(rows[2], "> HELP");
     EXPECT_EQ(rows[3], "Commands (numbers are hexadecimal):");
     std::string listed;
-    for (int r = 4; r < 12; ++r)
+    for (int r = 4; r < 14; ++r)
         listed += rows[r].substr(0, 8) + "|";
-    EXPECT_EQ(listed, "  HELP  |  CLS   |  MEM [a|  POKE a|  GO add|  BEEP  |  COLOR |  MODE 2|")
+    EXPECT_EQ(listed, "  HELP  |  CLS   |  MEM [a|  POKE a|  GO add|  BEEP  |  COLOR |  MODE 2|"
+                      "  TSAVE |  TLOAD |")
         << Joined(rows);
-    EXPECT_EQ(rows[12], "> " + std::string(61, 'X')) << Joined(rows);
-    EXPECT_EQ(rows[13], "? Unknown command") << "the hidden characters taken back, the line is run";
+    EXPECT_EQ(rows[14], "> " + std::string(61, 'X')) << Joined(rows);
+    EXPECT_EQ(rows[15], "? Unknown command") << "the hidden characters taken back, the line is run";
 }
 
 // Every character of the layout, typed through --type, comes out on the

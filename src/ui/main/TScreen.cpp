@@ -25,6 +25,7 @@
 #include "ui/main/Picture.h"
 #include "ui/main/ScreenView.h"
 #include "ui/main/TTools.h"
+#include "ui/media/TTape.h"
 #include "ui/monitors/CPUmon.h"
 #include "video/Screen.h"
 
@@ -53,6 +54,7 @@ TScreen::TScreen(Machine& m) : m_(m) {
     BuildMenu();
     BuildPanels();
     tools = new TTools(*this);
+    tapeDeck = new TTape(m_, this, PicD);
     fullScreen = new FScreen(*this);
     cpumon = new CPUmon(*this);
     // The drawing area keeps its size in pixels; menu and status panel come on top.
@@ -253,11 +255,14 @@ void TScreen::Handle(const std::string& name) {
     if (name == "xSaveSnap") return OpenDialog(true, "*.tvs");
     if (name == "xLoadCRT") return OpenDialog(false, "*.crt");
     if (name == "xUnloadCRT") {
-        m_.bus.SetCartName("");
-        Item("xUnloadCRT")->setText("Unload");
         Frame1->hide();
-        PowerCycle();
+        UnloadCRT(m_);
+        Item("xUnloadCRT")->setText(QString::fromStdString(m_.forms.Media.UnloadCaption));
         return FocusPicture();
+    }
+    if (name == "xSvaMEX4") {
+        SaveMex4(m_);
+        return;
     }
     if (name == "xio0" || name == "xio1" || name == "xio2" || name == "xio3")
         return ToggleCard(name);
@@ -291,6 +296,11 @@ void TScreen::Handle(const std::string& name) {
     }
     if (name.size() == 3 && name[0] == 'x' && name[1] == 'S' && name[2] >= '1' && name[2] <= '4')
         return SpeedItem(name[2] - '0');
+    if (name == "xTapeLoad") {
+        tapeDeck->show();
+        tapeDeck->raise();
+        return;
+    }
     if (name == "xTools") {
         tools->show();
         tools->raise();
@@ -368,6 +378,12 @@ void TScreen::OpenDialog(bool save, const QString& pattern) {
     Frame1->setStyleSheet(save ? "QGroupBox#Frame1 { background: #ff0000; }"
                                : "QGroupBox#Frame1 { background: #00ff00; }");
     Frame4->setVisible(save && pattern == "*.cas");
+    if (save && pattern == "*.cas") {
+        xSaveCAS(m_);
+        Text6->setText(QString::fromStdString(m_.forms.Media.Text6));
+        Text7->setText(QString::fromStdString(m_.forms.Media.Text7));
+        Text8->setText(QString::fromStdString(m_.forms.Media.Text8));
+    }
     Frame1->show();
     Frame1->raise();
 }
@@ -377,12 +393,20 @@ void TScreen::Command2Click() {
     QListWidgetItem* selected = File1->currentItem();
     const std::string file = selected ? selected->text().toStdString() : std::string();
     if (Frame1->title() == "Open") {
+        // The loader hides the dialog first: its messages stand alone.
+        Frame1->hide();
         if (pattern == "*.cas") LoadCAS(m_, file);
         if (pattern == "*.tvs") LoadSnapShot(m_, file);
-        if (pattern == "*.crt") LoadCRT(m_, file);
+        if (pattern == "*.crt" && LoadCRT(m_, file))
+            Item("xUnloadCRT")->setText(QString::fromStdString(m_.forms.Media.UnloadCaption));
     } else if (Frame1->title() == "Save") {
-        if (pattern == "*.cas") SaveCAS(m_, Text3->text().toStdString());
-        if (pattern == "*.tvs") SaveSnapshot(m_, Text3->text().toStdString());
+        const std::string name = Text3->text().toStdString();
+        m_.forms.Media.Text6 = Text6->text().toStdString();
+        m_.forms.Media.Text7 = Text7->text().toStdString();
+        if (pattern == "*.cas") SaveCAS(m_, name, pattern.toStdString());
+        if (pattern == "*.tvs") SaveSnapshot(m_, name, pattern.toStdString());
+        Text6->setText(QString::fromStdString(m_.forms.Media.Text6));
+        Text7->setText(QString::fromStdString(m_.forms.Media.Text7));
     }
     Frame1->hide();
     FocusPicture();
@@ -447,6 +471,7 @@ void TScreen::closeEvent(QCloseEvent* e) {
     m_.run.RunFlag = 0;
     fullScreen->hide();
     tools->hide();
+    tapeDeck->hide();
     cpumon->hide();
     e->accept();
     QCoreApplication::quit();

@@ -29,6 +29,7 @@ class CPUmon;
 class FScreen;
 class ScreenView;
 class TTools;
+class TTape;
 
 class TScreen : public QMainWindow {
     Q_OBJECT
@@ -82,6 +83,7 @@ class TScreen : public QMainWindow {
     QLabel* Label1 = nullptr;
     QListWidget* List1 = nullptr;
     TTools* tools = nullptr;
+    TTape* tapeDeck = nullptr;
     FScreen* fullScreen = nullptr;
     CPUmon* cpumon = nullptr;
 

@@ -1,0 +1,221 @@
+// CAS files, snapshots and cartridges: their layouts as bytes, and what
+// loading does to the machine.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <random>
+
+#include "hw/Memory.h"
+#include "media/MediaFiles.h"
+#include "support/Headless.h"
+#include "support/TestMachine.h"
+
+namespace tvc::test {
+namespace {
+
+int32_t MemWord(Machine& m, int32_t a) {
+    return m.bus.Mem[size_t(a)] | m.bus.Mem[size_t(a) + 1] << 8;
+}
+
+TEST(CasLoad, BodyAndPointersByFileLength) {
+    const size_t lengths[] = {0, 143, 144, 145, 1000, size_t(144 + kMemSize - 0x19EF + 50)};
+    for (size_t length : lengths) {
+        TestMachine t;
+        std::vector<uint8_t> file(length);
+        for (size_t i = 0; i < length; ++i)
+            file[i] = uint8_t(i * 7 + 1);
+        LoadCasBytes(t.m(), file, length);
+        const int64_t n = int64_t(length) - 144;
+        EXPECT_EQ(MemWord(t.m(), 0x1722), 0x19EF);
+        EXPECT_EQ(MemWord(t.m(), 0x1726), (n + 0x19EF) & 0xFFFF) << length;
+        for (int64_t i = 0; i < n && 0x19EF + i < kMemSize; i += 97)
+            ASSERT_EQ(t.m().bus.Mem[size_t(0x19EF + i)], file[size_t(144 + i)]);
+        if (n > 0 && 0x19EF + n < kMemSize) { EXPECT_EQ(t.m().bus.Mem[size_t(0x19EF + n)], 0); }
+    }
+}
+
+TEST(CasSave, HeaderClampsAndBody) {
+    struct Case {
+        std::string start, end;
+        int64_t savedStart, savedEnd;
+    };
+    const Case cases[] = {
+        {"6639", "6639", 6639, 6639},     {"100", "7000", 6639, 7000},
+        {"7000", "7000.5", 7000, 7000},   {"7000", "7001.5", 7000, 7002},
+        {"6639", "39407", 6639, 39407},   {"6639", "39408", 6639, 39408},
+        {"70000", "99999", 65535, 65535}, {"9000", "8000", 9000, 8000},
+        {"junk", "7100", 6639, 7100},
+    };
+    for (const Case& c : cases) {
+        TestMachine t;
+        for (int32_t a = 0; a < 0x10000; ++a)
+            t.m().bus.Mem[size_t(a)] = uint8_t(a ^ (a >> 8));
+        t.m().forms.Media.Text6 = c.start;
+        t.m().forms.Media.Text7 = c.end;
+        const auto f = SaveCasBytes(t.m());
+        EXPECT_EQ(t.m().forms.Media.Text6, std::to_string(c.savedStart));
+        EXPECT_EQ(t.m().forms.Media.Text7, std::to_string(c.savedEnd));
+        const int64_t size = c.savedEnd - c.savedStart, total = size + 144;
+        const int64_t blocks = total / 128, hi = blocks / 256, lo = blocks - hi * 256;
+        ASSERT_EQ(f.size(), size_t(144 + std::max<int64_t>(size, 0))) << c.start << ":" << c.end;
+        EXPECT_EQ(f[0], 0x11);
+        EXPECT_EQ(f[2], uint8_t(lo));
+        EXPECT_EQ(f[3], uint8_t(hi));
+        EXPECT_EQ(f[4], uint8_t(total - (lo & 255) * 128 - (hi & 255)));
+        EXPECT_EQ(f[129], 1);
+        EXPECT_EQ(f[130], uint8_t(size - size / 256 * 256));
+        EXPECT_EQ(f[131], uint8_t(size / 256));
+        for (int64_t i = 0; i < size; ++i)
+            ASSERT_EQ(f[size_t(144 + i)], t.m().bus.Mem[size_t(c.savedStart + i)]);
+    }
+}
+
+TEST(CasSave, ProposesBasicPointersThroughPaging) {
+    TestMachine t;
+    t.m().bus.Mem[0x1720] = 0x34, t.m().bus.Mem[0x1721] = 0x12;
+    std::vector<uint8_t> file(144 + 300, 0x5A);
+    LoadCasBytes(t.m(), file, file.size());
+    xSaveCAS(t.m());
+    EXPECT_EQ(t.m().forms.Media.Text6, "6639");
+    EXPECT_EQ(t.m().forms.Media.Text7, std::to_string(6639 + 300));
+    EXPECT_EQ(t.m().forms.Media.Text8, std::to_string(0x1234));
+    const auto saved = SaveCasBytes(t.m());
+    EXPECT_TRUE(std::equal(saved.begin() + 144, saved.end(), file.begin() + 144, file.end()));
+}
+
+// Every field from a distinct value: the layout, the write order that loses
+// A', B', C' and the first three alternate flags, and a load that reads back.
+TEST(Snapshot, LayoutAndRoundTrip) {
+    TestMachine t;
+    Z80& c = t.cpu();
+    int32_t Z80::*bytes[] = {&Z80::RegA,  &Z80::RegB,  &Z80::RegC,  &Z80::RegD,  &Z80::RegE,
+                             &Z80::RegH,  &Z80::RegL,  &Z80::RegA2, &Z80::RegB2, &Z80::RegC2,
+                             &Z80::RegD2, &Z80::RegE2, &Z80::RegH2, &Z80::RegL2};
+    for (size_t i = 0; i < std::size(bytes); ++i)
+        c.*bytes[i] = int32_t(0x10 + i);
+    c.FlagC = c.FlagN = c.FlagP = c.FlagX = c.FlagH = c.FlagY = c.FlagZ = c.FlagS = 1;
+    c.FlagC2 = c.FlagN2 = c.FlagP2 = c.FlagX2 = c.FlagH2 = c.FlagY2 = c.FlagZ2 = c.FlagS2 = 1;
+    c.RegIX = 0x1234, c.RegIY = 0x5678, c.RegSP = 0x9ABC, c.RegPC = 0xDEF0;
+    c.RegI = 0x21, c.RegR = 0x43, c.IFF1 = 1, c.IFF2 = 0, c.IntMode = 2, c.IrqRequest = 1;
+    c.Halted = 1;
+    for (int i = 0; i < 256; ++i)
+        t.m().bus.PortLatch[i] = uint8_t(255 - i);
+    for (int i = 0; i < 19; ++i)
+        t.m().crtc.CrtcReg[i] = i < 18 ? i * 3 : 22;
+    t.m().bus.Mem[kMemSize - 1] = 0xEE;
+    t.m().run.RunFlag = 1;
+
+    const auto f = SaveSnapshotBytes(t.m());
+    ASSERT_EQ(f.size(), 246360u);
+    EXPECT_EQ(std::string(f.begin(), f.begin() + 10), "LUMEKTVC02");
+    const size_t lost[] = {26, 27, 28, 41, 42, 43};
+    for (size_t at : lost)
+        EXPECT_EQ(f[at], 0) << at;
+    EXPECT_EQ(f[19], 0x10);
+    EXPECT_EQ(f[32], 0x10 + 13);
+    EXPECT_EQ(f[61] | f[62] << 8, 0xDEF0);
+    EXPECT_EQ(f[81], 2);
+    EXPECT_EQ(f[99 + 2], 253);
+    EXPECT_EQ(f[407], 1);
+    EXPECT_EQ(f[415], 1);
+    EXPECT_EQ(f[499 + 4 * 17], 51);
+    EXPECT_EQ(f[499 + 4 * 18], 22);
+    EXPECT_EQ(f[599 + kMemSize - 1], 0xEE);
+
+    TestMachine u;
+    ASSERT_TRUE(LoadSnapshotBytes(u.m(), f));
+    Z80& d = u.cpu();
+    EXPECT_EQ(d.RegA2, 0);
+    EXPECT_EQ(d.RegB2, 0);
+    EXPECT_EQ(d.RegC2, 0);
+    EXPECT_EQ(d.RegD2, c.RegD2);
+    EXPECT_EQ(d.FlagC2 + d.FlagN2 + d.FlagP2, 0);
+    EXPECT_EQ(d.FlagS2, 1);
+    EXPECT_EQ(d.RegPC, 0xDEF0);
+    EXPECT_EQ(d.Halted, 0);
+    EXPECT_EQ(u.m().crtc.CrtcReg[17], 51);
+    EXPECT_EQ(SaveSnapshotBytes(u.m()), f); // save -> load -> save
+}
+
+TEST(Snapshot, BadInput) {
+    TestMachine t;
+    std::mt19937 rnd(5);
+    std::vector<uint8_t> random(5000);
+    for (auto& b : random)
+        b = uint8_t(rnd());
+    const int32_t pc = t.cpu().RegPC;
+    EXPECT_FALSE(LoadSnapshotBytes(t.m(), random));
+    EXPECT_FALSE(LoadSnapshotBytes(t.m(), std::vector<uint8_t>{'L', 'U', 'M'}));
+    EXPECT_EQ(t.cpu().RegPC, pc);
+
+    std::vector<uint8_t> shortFile(random);
+    std::memcpy(shortFile.data(), "LUMEKTVC02", 10);
+    t.m().bus.Mem[0x3000] = 9;
+    ASSERT_TRUE(LoadSnapshotBytes(t.m(), shortFile));
+    EXPECT_EQ(t.m().bus.Mem[0x3000], 0); // past the end reads as zero
+    EXPECT_LE(t.cpu().FlagC, 1);
+    EXPECT_LE(t.cpu().RegPC, 0xFFFF);
+    std::vector<uint8_t> longFile(300000, 0xFF);
+    std::memcpy(longFile.data(), "LUMEKTVC02", 10);
+    EXPECT_TRUE(LoadSnapshotBytes(t.m(), longFile));
+    EXPECT_EQ(t.m().crtc.CrtcReg[18], 31);
+
+    t.dir->Write("bad.tvs", random);
+    EXPECT_FALSE(LoadSnapShot(t.m(), "bad.tvs"));
+    ASSERT_FALSE(t.host.messages.empty());
+    EXPECT_EQ(t.host.messages.back().text, "Snapshot not valid!");
+    EXPECT_EQ(t.host.messages.back().title, "Error");
+    EXPECT_FALSE(LoadSnapShot(t.m(), "none.tvs"));
+}
+
+TEST(Cartridge, ImagesAndTheExpansion) {
+    struct Case {
+        std::string name;
+        size_t size;
+        bool mex;
+    };
+    const Case cases[] = {{"a8.crt", 8192, false},
+                          {"a20.crt", 20480, false},
+                          {"MEX4MB.CRT", 20000, false},
+                          {"mex4mb.crt", 3 * 16384 + 5, true}};
+    for (const Case& c : cases) {
+        TestMachine t;
+        std::vector<uint8_t> img(c.size);
+        for (size_t i = 0; i < c.size; ++i)
+            img[i] = uint8_t(i / 16384 * 16 + i % 13 + 1);
+        t.dir->Write(c.name, img);
+        t.m().run.InstCount = 99;
+        ASSERT_TRUE(LoadCRT(t.m(), c.name));
+        EXPECT_EQ(t.m().run.InstCount, 0);
+        EXPECT_EQ(t.m().forms.Media.UnloadCaption, "Unload: " + c.name);
+        EXPECT_EQ(t.m().bus.MexActive, c.mex);
+        auto expect = [&](size_t i) { return i < img.size() ? img[i] : 0; };
+        if (!c.mex) {
+            for (size_t i = 0; i < 16384; i += 511)
+                ASSERT_EQ(t.m().bus.Mem[0x14000 + i], expect(i)) << c.name << i;
+            continue;
+        }
+        // The expansion at both windows: P2 bits 3-4 = 1 puts the cartridge
+        // at 0x4000... as the memory map says; here read through MexMem.
+        for (int page : {0, 1, 2, 3, 200}) {
+            t.m().bus.PortLatch[0xA0] = uint8_t(page);
+            for (size_t o : {size_t(0), size_t(4), size_t(5), size_t(16383)})
+                EXPECT_EQ(detail::CartRead(t.m(), int32_t(o)), expect(size_t(page) * 16384 + o));
+        }
+        detail::CartWrite(t.m(), 7, 0x99);
+        EXPECT_EQ(t.m().bus.MexMem[200 * 16384 + 7], 0x99);
+        UnloadCRT(t.m());
+        EXPECT_EQ(t.m().forms.Media.UnloadCaption, "Unload");
+        EXPECT_FALSE(t.m().bus.MexActive);
+        EXPECT_EQ(t.m().bus.MexMem.size(), 4194304u); // kept, no longer used
+        ASSERT_TRUE(SaveMex4(t.m()));
+        EXPECT_EQ(Slurp("mex4mb.bin").size(), 4194304u);
+    }
+    TestMachine t;
+    EXPECT_FALSE(LoadCRT(t.m(), "missing.crt"));
+    EXPECT_FALSE(t.m().FatalStop);
+    EXPECT_TRUE(t.m().bus.CartName.empty());
+}
+
+} // namespace
+} // namespace tvc::test

@@ -229,6 +229,7 @@ bool LoadSnapshotBytes(Machine& m, std::span<const uint8_t> bytes) {
     m.crtc.CrtcReg[kCrtcSelect] &= 31;
     std::memcpy(m.bus.Mem.data(), &f[kSnapshotMemAt], size_t(kMemSize));
     c.Halted = 0;
+    MemoryMapChanged(m); // the paging latches came from the file
     return true;
 }
 

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "asm/AsseState.h"
+
 namespace tvc {
 
 struct CPUmonControls {
@@ -55,6 +57,7 @@ struct Controls {
     TToolsControls TTools;
     ErrorSimControls ErrorSim;
     FsaaControls Fsaa;
+    AsseControls asse;
 };
 
 } // namespace tvc

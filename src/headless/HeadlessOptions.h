@@ -32,6 +32,11 @@ struct Options {
     int64_t typeAfter = 100;                           // frame at which typing begins
     std::optional<std::pair<int32_t, int32_t>> disasm; // address, lines
     std::optional<std::string> audio;                  // WAV file of the machine's sound
+    std::optional<std::string> asmFile;                // source to assemble, as the workbench does
+    std::optional<int64_t> asmAfter;                   // frame at which to assemble
+    bool asmRun = false;                   // the workbench's RUN button after assembling
+    std::optional<std::string> asmListing; // per source line its address and normal form
+    std::optional<std::string> asmSymbols; // the symbol list List3
     bool help = false;
 };
 

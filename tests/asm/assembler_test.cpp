@@ -42,7 +42,7 @@ struct Case {
     int32_t at;
     std::vector<int> bytes; // expected from `at`; for a failure, what stands there after it
     int line = 0, pass = 0; // where a failure is reported
-    std::string message;
+    std::string message = {};
     std::vector<std::pair<std::string, int32_t>> symbols = {};
 };
 
@@ -56,28 +56,61 @@ TEST(Assembler, SourcesToBytesSymbolsAndMessages) {
         {"ORG 100.5\nNOP\nORG 101.5\nHALT", 100, {0x00, E, 0x76}}, // half to even
         {"ORG 1000H\nNOP", 1000, {0x00}},
         // Directives.
-        {"ORG 100\nDB 1,2,3\nDB $123\nDW $1234,4660\nX:", 100,
-         {1, 2, 3, 0x12, 0x12, 0x34, 0x12, 0x34}, 0, 0, "", {{"X", 108}}},
-        {"ORG 100\nDS 3,65\nDS 2,$41\nX:", 100, {65, 65, 65, 0x41, 0x41, E}, 0, 0, "", {{"X", 105}}},
+        {"ORG 100\nDB 1,2,3\nDB $123\nDW $1234,4660\nX:",
+         100,
+         {1, 2, 3, 0x12, 0x12, 0x34, 0x12, 0x34},
+         0,
+         0,
+         "",
+         {{"X", 108}}},
+        {"ORG 100\nDS 3,65\nDS 2,$41\nX:",
+         100,
+         {65, 65, 65, 0x41, 0x41, E},
+         0,
+         0,
+         "",
+         {{"X", 105}}},
         {"ORG 100\nDB \"Az\xC3\x81\"\nX:", 100, {'A', 'z', 0x80, E}, 0, 0, "", {{"X", 103}}},
-        {"ORG 100\n  DB \"ABC\"\nX:", 100, {'A', 'B', 'C'}, 0, 0, "", {{"X", 101}}}, // indented: 1 byte in pass 1
-        {"ORG 100\n*BREAK\n*INT\n*NMI\n*RESET\nLD A,1\nX:", 100,
-         {0xFD, 0xF3, 0xFD, 0xF0, 0xFD, 0xF1, 0xFD, 0xF2, 0x3E, 1}, 0, 0, "", {{"X", 110}}},
+        {"ORG 100\n  DB \"ABC\"\nX:",
+         100,
+         {'A', 'B', 'C'},
+         0,
+         0,
+         "",
+         {{"X", 101}}}, // indented: 1 byte in pass 1
+        {"ORG 100\n*BREAK\n*INT\n*NMI\n*RESET\nLD A,1\nX:",
+         100,
+         {0xFD, 0xF3, 0xFD, 0xF0, 0xFD, 0xF1, 0xFD, 0xF2, 0x3E, 1},
+         0,
+         0,
+         "",
+         {{"X", 110}}},
         {"ORG 100\n*FOO\nL:\nJP @L", 100, {0xC3, 102, 0, E}, 0, 0, "", {{"L", 102}}},
         // Instructions and their operand forms.
-        {"ORG 100\nJP $C000\nLD HL,(513)\nLD (IX+5),B\nLD A,(IY+$FF)", 100,
+        {"ORG 100\nJP $C000\nLD HL,(513)\nLD (IX+5),B\nLD A,(IY+$FF)",
+         100,
          {0xC3, 0x00, 0xC0, 0x2A, 0x01, 0x02, 0xDD, 0x70, 5, 0xFD, 0x7E, 0xFF}},
-        {"ORG 100\nLD (IX+$10),$20\nLD (IY+1),2\nX:", 100, {0xDD, 0x36, 0x10, 0x20, 0xFD, 0x36, 1, 2},
-         0, 0, "", {{"X", 108}}},
-        {"ORG 100\nBIT 3,(IX+5)\nLD B,SET 6,(IY+5)*\nSLL B*\nLD IXH,5*\nIM 2", 100,
+        {"ORG 100\nLD (IX+$10),$20\nLD (IY+1),2\nX:",
+         100,
+         {0xDD, 0x36, 0x10, 0x20, 0xFD, 0x36, 1, 2},
+         0,
+         0,
+         "",
+         {{"X", 108}}},
+        {"ORG 100\nBIT 3,(IX+5)\nLD B,SET 6,(IY+5)*\nSLL B*\nLD IXH,5*\nIM 2",
+         100,
          {0xDD, 0xCB, 5, 0x5E, 0xFD, 0xCB, 5, 0xF0, 0xCB, 0x30, 0xDD, 0x26, 5, 0xED, 0x5E}},
-        {"ORG 100\nRST $38\nRST 8H\nJR 5\nOUT (254),A\nIN A,($FE)", 100,
+        {"ORG 100\nRST $38\nRST 8H\nJR 5\nOUT (254),A\nIN A,($FE)",
+         100,
          {0xFF, 0xCF, 0x18, 5, 0xD3, 0xFE, 0xDB, 0xFE}},
-        {"ORG 100\nLD IY,(30)\nX:", 100, {0xFD, 0x2A, 30, E}, 0, 0, "", {{"X", 103}}}, // FD2A is type "n"
-        {"ORG 100\nRLCA5\nX:", 100, {0x07}, 0, 0, "", {{"X", 100}}}, // a blank-type second hit: size 0
+        {"ORG 100\nLD IY,(30)\nX:", 100, {0xFD, 0x2A, 30, E}, 0, 0, "", {{"X", 103}}}, // FD2A is
+                                                                                       // type "n"
+        {"ORG 100\nRLCA5\nX:", 100, {0x07}, 0, 0, "", {{"X", 100}}}, // a blank-type second hit:
+                                                                     // size 0
         // Labels and constants.
         {"ORG 100\nL:\nDJNZ @L\nJR @F\nCALL NZ,@L\nF:", 100, {0x10, 0xFE, 0x18, 3, 0xC4, 100, 0}},
-        {"K: EQU 5\nK: EQU 7\nW: EQU $1234\nORG 100\nLD A,@K\nLD HL,@W\nLD A,(IX+@K)", 100,
+        {"K: EQU 5\nK: EQU 7\nW: EQU $1234\nORG 100\nLD A,@K\nLD HL,@W\nLD A,(IX+@K)",
+         100,
          {0x3E, 5, 0x21, 0x34, 0x12, 0xDD, 0x7E, 5}},
         {"ORG 100\nLD (@X),BC\nX:", 100, {0xED, 0x43, 103, 0}, 0, 0, "", {{"X", 103}}}, // mis-sized
         {"ORG 100\nLD A,(@X)\nLD HL,(@X)\nX:", 100, {0x3A, 106, 0, 0x2A, 106, 0}},
@@ -99,7 +132,8 @@ TEST(Assembler, SourcesToBytesSymbolsAndMessages) {
         {"DS 0,65", 0, {}, 1, 1, "Syntax Error!"},
         {"DS 3,256", 0, {}, 1, 1, "OverFlow Error!"},
         {"DS 3", 0, {}, 1, 1, "Internal Error P1!"},
-        {"    DS 3,1", 0, {}, 1, 1, "Syntax Error!"}, // indented: the count is read at a fixed column
+        {"    DS 3,1", 0, {}, 1, 1, "Syntax Error!"}, // indented: the count is read at a fixed
+                                                      // column
         {"LD A,256", 0, {}, 1, 1, "OverFlow Error!"},
         {"LD A,", 0, {}, 1, 1, "Syntax Error!"},
         {"LD A,$", 0, {}, 1, 1, "Syntax Error!"},
@@ -127,7 +161,7 @@ TEST(Assembler, SourcesToBytesSymbolsAndMessages) {
         EXPECT_EQ(a.ErrorLine, k.line);
         EXPECT_EQ(a.ErrorPass, k.pass);
         EXPECT_EQ(a.Text13BackColor, k.message.empty() ? 0xC0FFC0 : 0x8080FF);
-        if (!k.bytes.empty()) EXPECT_EQ(c.Bytes(k.at, int(k.bytes.size())), k.bytes);
+        if (!k.bytes.empty()) { EXPECT_EQ(c.Bytes(k.at, int(k.bytes.size())), k.bytes); }
         for (const auto& [name, value] : k.symbols)
             EXPECT_EQ(cimh(a, name), value) << name;
         EXPECT_EQ(c.tm.m().bus.PortLatch[2], 0xB0);
@@ -140,8 +174,9 @@ TEST(Assembler, StatusSelectionAndSymbolList) {
     EXPECT_EQ(ok.asse().Text14, "Pass2");
     EXPECT_EQ(ok.asse().RText1BackColor, 0xFFFFFF);
     EXPECT_EQ(ok.asse().List1, (std::vector<std::string>{"100    LOOP:", "42     K:"}));
-    EXPECT_EQ(ok.asse().List3, (std::vector<std::string>{std::string("LOOP:") + std::string(17, ' ') + "100  ",
-                                                        std::string("K:") + std::string(20, ' ') + "42   "}));
+    EXPECT_EQ(ok.asse().List3,
+              (std::vector<std::string>{std::string("LOOP:") + std::string(17, ' ') + "100  ",
+                                        std::string("K:") + std::string(20, ' ') + "42   "}));
     Compiled empty("");
     EXPECT_EQ(empty.asse().Label2, "0");
 
@@ -184,7 +219,8 @@ TEST(Assembler, PagingLatchAndPmem) {
     // Pass 1 writes under 0xB0 (RAM at 100); pass 2 under PMEM= $B8 (U3 for
     // page 0: Mem[100 + 0xC000]), then PMEM=0 sends 0xC000 to the cartridge and
     // PMEM=$70 sends it to the system ROM, where the write is dropped.
-    m.forms.asse.RText1 = "ORG 100\nPMEM=$B8\nDB \"\xC3\x81\"\nPMEM=0\nORG $C000\nDB 7\nPMEM=$70\nORG $C001\nDB 8";
+    m.forms.asse.RText1 =
+        "ORG 100\nPMEM=$B8\nDB \"\xC3\x81\"\nPMEM=0\nORG $C000\nDB 7\nPMEM=$70\nORG $C001\nDB 8";
     const uint8_t rom = m.bus.Mem[0xC001 + 0xC000];
     ASSERT_EQ(asse::Command1_Click(m), 0);
     EXPECT_EQ(m.bus.PortLatch[2], 0x12);
@@ -276,14 +312,23 @@ TEST(Assembler, RunButtons) {
 
 TEST(Assembler, BadInputEndsInResultOrMessage) {
     std::mt19937 rng(7);
-    std::vector<std::string> sources = {
-        std::string(100000, '9'), "LD A," + std::string(100000, '1'), "$", "@", "(", "DS 2147483647,0",
-        "ORG 65535\nDB 1,2,3\nDW 1,2\nDS 9,9", std::string(10000, 'N') + ":",
-        "JP @" + std::string(10000, 'N'), std::string("\0\0NOP\0", 6), "DB \"", "INCBIN \"",
-        "ORG 65535\nDS 2147483647,0\nNOP", "PMEM=99999999999"};
+    std::vector<std::string> sources = {std::string(100000, '9'),
+                                        "LD A," + std::string(100000, '1'),
+                                        "$",
+                                        "@",
+                                        "(",
+                                        "DS 2147483647,0",
+                                        "ORG 65535\nDB 1,2,3\nDW 1,2\nDS 9,9",
+                                        std::string(10000, 'N') + ":",
+                                        "JP @" + std::string(10000, 'N'),
+                                        std::string("\0\0NOP\0", 6),
+                                        "DB \"",
+                                        "INCBIN \"",
+                                        "ORG 65535\nDS 2147483647,0\nNOP",
+                                        "PMEM=99999999999"};
     std::string labels;
     for (int i = 0; i < 20000; ++i)
-        labels += "L" + std::to_string(i) + ":\n";
+        labels.append("L").append(std::to_string(i)).append(":\n");
     sources.push_back(labels + "JP @L19999");
     for (int i = 0; i < 20; ++i) {
         std::string s(1000, '\0');
@@ -293,7 +338,7 @@ TEST(Assembler, BadInputEndsInResultOrMessage) {
     }
     for (const std::string& s : sources) {
         Compiled c(s);
-        if (c.result != 0) EXPECT_GE(c.asse().ErrorLine, 1) << s.substr(0, 40);
+        if (c.result != 0) { EXPECT_GE(c.asse().ErrorLine, 1) << s.substr(0, 40); }
         EXPECT_EQ(c.tm.m().bus.PortLatch[2], 0xB0);
     }
 }

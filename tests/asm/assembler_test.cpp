@@ -10,6 +10,7 @@
 #include "asm/AsmLines.h"
 #include "asm/AsmText.h"
 #include "asm/Assembler.h"
+#include "asm/OpcodeTables.h"
 #include "hw/Memory.h"
 #include "support/TestMachine.h"
 
@@ -341,6 +342,29 @@ TEST(Assembler, BadInputEndsInResultOrMessage) {
         if (c.result != 0) { EXPECT_GE(c.asse().ErrorLine, 1) << s.substr(0, 40); }
         EXPECT_EQ(c.tm.m().bus.PortLatch[2], 0xB0);
     }
+}
+
+} // namespace
+} // namespace tvc
+
+namespace tvc {
+namespace {
+
+// The table index answers as the plain substring search does, for every
+// row's key, every key cut short by a character, and lines it never holds.
+TEST(Assembler, TableIndexMatchesTheSubstringSearch) {
+    test::TestMachine tm;
+    RefreshAsmIndex();
+    const std::string& table = OpcodeAsmText();
+    std::vector<std::string> lines = {"", "NOP ", " NOP", "LD  A,B", "X\r\nNOP", "end of file"};
+    for (size_t pos = 0, eol; (eol = table.find("\r\n", pos)) != std::string::npos; pos = eol + 2) {
+        const std::string key = table.substr(pos + 13, eol - pos - 13);
+        lines.push_back(key);
+        lines.push_back(key.substr(1));
+        lines.push_back(key.substr(0, key.size() - 1));
+    }
+    for (const std::string& line : lines)
+        EXPECT_EQ(FindAsmKey(line), table.find("  " + line + "\r\n")) << line;
 }
 
 } // namespace

@@ -8,6 +8,7 @@
 
 #include "sound/ChipControls.h"
 #include "media/MediaControls.h"
+#include "asm/AsseState.h"
 
 namespace tvc {
 
@@ -65,6 +66,7 @@ struct Controls {
     FSN76489Controls FSN76489;
     T8910Controls T8910;
     MediaControls Media;
+    AsseControls asse;
 };
 
 } // namespace tvc

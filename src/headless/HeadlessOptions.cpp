@@ -30,6 +30,15 @@ Machine set-up (applied in this order):
   --load-bin FILE        load a file into memory from index 0 (at most 65536 bytes)
   --load-cas FILE        load a CAS file into BASIC's program area
   --poke ADDR=VAL        write a byte through the memory map
+  --asm FILE             assemble FILE as the workbench's "Compile" button does
+                         (paging latch 0xB0 during the passes, then restored);
+                         the bytes go into memory through the memory map
+  --asm-after N          assemble at frame N instead (after --reg), so that a
+                         booting ROM cannot overwrite the code; --steps and
+                         --frames count from there
+  --asm-run              then press the workbench's RUN button: RegPC = 10000
+  --asm-listing FILE|-   per source line its address (hex) and normal form
+  --asm-symbols FILE|-   the symbol list: name in 22 columns, then its value
   --reg NAME=V           set a register, flag or line by its --dump-regs name
                          (RegPC=0x100, FlagC=1, IFF1=1, ...)
 Running:
@@ -65,7 +74,8 @@ Output, after the run:
 
 Numbers are decimal or 0x hexadecimal.
 Exit status: 0 normal end, 1 a file could not be read or written, 2 bad usage,
-3 the machine hit a fatal stop.
+3 the machine hit a fatal stop, 4 the assembly failed: "FILE:LINE: pass N:
+MESSAGE" on stderr, and the machine is not run.
 )";
 
 std::optional<int64_t> ParseNumber(const std::string& text) {
@@ -116,11 +126,11 @@ std::optional<int32_t> InRange(const std::string& text, int64_t lo, int64_t hi) 
 }
 
 constexpr std::string_view kValueOptions[] = {
-    "--dir",      "--set",      "--port",      "--reg",        "--load-bin",   "--poke",
-    "--steps",    "--frames",   "--dump-regs", "--dump-mem",   "--screenshot", "--disasm",
-    "--audio",    "--cart",     "--type",      "--type-after", "--tape-in",    "--load-snap",
-    "--load-cas", "--tape-out", "--save-cas",  "--cas-range",  "--save-snap",  "--save-mex",
-    "--control",
+    "--dir", "--set", "--port", "--reg", "--load-bin", "--poke", "--steps", "--frames",
+    "--dump-regs", "--dump-mem", "--screenshot", "--disasm", "--audio", "--cart", "--type",
+    "--type-after", "--tape-in", "--load-snap", "--load-cas", "--tape-out", "--save-cas",
+    "--cas-range", "--save-snap", "--save-mex", "--control", "--asm", "--asm-after",
+    "--asm-listing", "--asm-symbols",
 };
 
 bool KnownMenuItem(const std::string& name) {
@@ -141,6 +151,10 @@ std::optional<Options> ParseOptions(const std::vector<std::string>& args, std::s
         const std::string& a = args[i];
         if (a == "--help" || a == "-h") {
             o.help = true;
+            continue;
+        }
+        if (a == "--asm-run") {
+            o.asmRun = true;
             continue;
         }
         if (a.rfind("--", 0) != 0) return fail("unexpected argument '" + a + "'");
@@ -222,6 +236,17 @@ std::optional<Options> ParseOptions(const std::vector<std::string>& args, std::s
                 !(to = InRange(r, 0, 65535)))
                 return fail("--cas-range takes START:END, not '" + value + "'");
             o.casRange = std::make_pair(*from, *to);
+        } else if (name == "--asm") {
+            if (value.empty()) return fail("--asm takes a file name");
+            o.asmFile = value;
+        } else if (name == "--asm-after") {
+            auto v = ParseNumber(value);
+            if (!v || *v < 0) return fail("--asm-after takes a frame count, not '" + value + "'");
+            o.asmAfter = *v;
+        } else if (name == "--asm-listing") {
+            o.asmListing = value;
+        } else if (name == "--asm-symbols") {
+            o.asmSymbols = value;
         } else if (name == "--audio") {
             o.audio = value;
         } else if (name == "--disasm") {
@@ -246,6 +271,8 @@ std::optional<Options> ParseOptions(const std::vector<std::string>& args, std::s
             o.dumpMems.push_back({*ad, *len, value.substr(c2 + 1)});
         }
     }
+    if ((o.asmAfter || o.asmRun || o.asmListing || o.asmSymbols) && !o.asmFile)
+        return fail("--asm-after, --asm-run, --asm-listing and --asm-symbols need --asm");
     if (o.steps && o.frames) return fail("--steps and --frames cannot be combined");
     if (o.steps && o.type) return fail("--type runs by frames and cannot be combined with --steps");
     return o;

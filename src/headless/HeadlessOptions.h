@@ -37,6 +37,11 @@ struct Options {
     std::optional<std::string> tapeOut;                    // "save.wav" of the run, copied here
     std::optional<std::string> saveCas, saveSnap, saveMex; // media saved after the run
     std::optional<std::pair<int32_t, int32_t>> casRange;   // Text6/Text7 of the CAS save
+    std::optional<std::string> asmFile;                // source to assemble, as the workbench does
+    std::optional<int64_t> asmAfter;                   // frame at which to assemble
+    bool asmRun = false;                   // the workbench's RUN button after assembling
+    std::optional<std::string> asmListing; // per source line its address and normal form
+    std::optional<std::string> asmSymbols; // the symbol list List3
     bool help = false;
 };
 

@@ -7,12 +7,16 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <iterator>
 #include <memory>
 #include <optional>
 #include <sstream>
 
+#include "asm/AsmText.h"
+#include "asm/Assembler.h"
 #include "asm/Disassembler.h"
 #include "core/ControlItems.h"
+#include "asm/TextLib.h"
 #include "core/Machine.h"
 #include "core/RunLoop.h"
 #include "core/StateFields.h"
@@ -30,7 +34,7 @@
 namespace tvc::headless {
 namespace {
 
-constexpr int kExitOk = 0, kExitUsage = 2, kExitFatal = 3, kExitIo = 1;
+constexpr int kExitOk = 0, kExitUsage = 2, kExitFatal = 3, kExitIo = 1, kExitAsm = 4;
 // A typed line's effect shows within this many frames of its last key.
 constexpr uint64_t kFramesAfterTyping = 50;
 
@@ -93,6 +97,49 @@ bool LoadBin(Machine& m, const std::string& file) {
     in.read(buf.data(), static_cast<std::streamsize>(buf.size()));
     std::copy_n(buf.begin(), in.gcount(), m.bus.Mem.begin());
     return true;
+}
+
+// Assembles the --asm source as the workbench's "Compile" button does and
+// writes the listing and symbols asked for. Returns an exit status to stop
+// with, or -1 to go on.
+int Assemble(Machine& m, const Options& o) {
+    const std::string& file = *o.asmFile;
+    std::ifstream in(file, std::ios::binary);
+    if (!in) {
+        std::cerr << "tvc-headless: cannot read " << file << '\n';
+        return kExitIo;
+    }
+    AsseControls& a = m.forms.asse;
+    a.RText1.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+    const int32_t r = asse::Command1_Click(m);
+    if (a.Truncated)
+        std::cerr << "tvc-headless: warning: " << file << ": the source is read up to character "
+                  << kSourceStop << "; the rest is left out\n";
+    if (o.asmListing) {
+        std::string text;
+        for (const ListingLine& l : a.Lines)
+            text += Hex4(l.address) + "  " + Cp1250ToUtf8(l.line) + "\n";
+        if (!WriteOut(*o.asmListing, text)) {
+            std::cerr << "tvc-headless: cannot write " << *o.asmListing << '\n';
+            return kExitIo;
+        }
+    }
+    if (o.asmSymbols) {
+        std::string text;
+        for (const std::string& s : a.List3)
+            text += Cp1250ToUtf8(s) + "\n";
+        if (!WriteOut(*o.asmSymbols, text)) {
+            std::cerr << "tvc-headless: cannot write " << *o.asmSymbols << '\n';
+            return kExitIo;
+        }
+    }
+    if (r != 0) {
+        std::cerr << file << ":" << a.ErrorLine << ": pass " << a.ErrorPass << ": " << a.Text13
+                  << '\n';
+        return kExitAsm;
+    }
+    if (o.asmRun) asse::Command6_Click(m);
+    return -1;
 }
 
 // Runs until the frame count reaches `end`, typing from the queue at each
@@ -183,6 +230,9 @@ int Main(const std::vector<std::string>& args) {
     if (o.loadCas && !LoadCAS(m, *o.loadCas)) return kExitIo;
     for (const auto& [addr, value] : o.pokes)
         MemWrite(m, addr, value);
+    if (o.asmFile && !o.asmAfter) {
+        if (const int status = Assemble(m, o); status >= 0) return status;
+    }
     const auto fields = StateFields(m);
     for (const auto& [name, value] : o.regs) {
         auto it = std::find_if(fields.begin(), fields.end(),
@@ -202,6 +252,11 @@ int Main(const std::vector<std::string>& args) {
         };
     }
     if (o.tapeOut) TapeRecord(m, true);
+    if (o.asmFile && o.asmAfter) {
+        m.run.RunFlag = 1;
+        RunFrames(m, static_cast<uint64_t>(*o.asmAfter), keys ? &*keys : nullptr);
+        if (const int status = Assemble(m, o); status >= 0) return status;
+    }
     Run(m, o, keys ? &*keys : nullptr);
     m.sound.DeliveryTap = nullptr;
     audio.Close();

@@ -32,6 +32,9 @@ struct Options {
     int64_t typeAfter = 100;                           // frame at which typing begins
     std::optional<std::pair<int32_t, int32_t>> disasm; // address, lines
     std::optional<std::string> audio;                  // WAV file of the machine's sound
+    std::optional<std::string> disk;                   // disk image, loaded after "default.dsk"
+    std::optional<std::string> dumpHw;                 // the hardware monitor's fields as JSON
+    std::optional<std::string> dumpFdcLog;             // the floppy command log, a line an entry
     bool help = false;
 };
 

@@ -25,6 +25,7 @@
 #include "ui/main/ScreenView.h"
 #include "ui/main/TTools.h"
 #include "ui/monitors/CPUmon.h"
+#include "ui/monitors/TVCmon.h"
 #include "video/Screen.h"
 
 namespace tvc::ui {
@@ -54,6 +55,8 @@ TScreen::TScreen(Machine& m) : m_(m) {
     tools = new TTools(*this);
     fullScreen = new FScreen(*this);
     cpumon = new CPUmon(*this);
+    tvcmon = new TVCmon(m_);
+    tvcmon->setParent(this, Qt::Window);
     // The drawing area keeps its size in pixels; menu and status panel come on top.
     resize(tvc::kWindowWidth,
            tvc::kWindowHeight + menuBar()->sizeHint().height() + Frame3->sizeHint().height());
@@ -301,6 +304,12 @@ void TScreen::Handle(const std::string& name) {
         cpumon->raise();
         return;
     }
+    if (name == "xTVCmon") {
+        tvcmon->redraw();
+        tvcmon->show();
+        tvcmon->raise();
+        return;
+    }
     if (name == "xHelp") {
         Frame2->raise();
         Frame2->setVisible(!Frame2->isVisible());
@@ -442,6 +451,7 @@ void TScreen::closeEvent(QCloseEvent* e) {
     fullScreen->hide();
     tools->hide();
     cpumon->hide();
+    tvcmon->hide();
     e->accept();
     QCoreApplication::quit();
 }

@@ -20,10 +20,10 @@ TEST(HeadlessDisk, ProgramSeeksTrack3AndReadsASector) {
     img[32] = 0x00, img[33] = 0x80, img[34] = 0x01, img[35] = 0x00; // TotalSector 32768
     dir.Write("mine.dsk", img);
     dir.Write("default.dsk", std::vector<uint8_t>(100, 0x11));
-    // LD A,3; OUT (11h),A; LD A,10h; OUT (10h),A; LD HL,1000h; LD BC,0013h;
-    // INIR; INIR; HALT
+    // LD A,3; OUT (11h),A; LD A,10h; OUT (10h),A; LD HL,1000h; LD BC,512;
+    // loop: IN A,(13h); LD (HL),A; INC HL; DEC BC; LD A,B; OR C; JR NZ,loop; HALT
     dir.Write("prog.bin", {0x3E, 0x03, 0xD3, 0x11, 0x3E, 0x10, 0xD3, 0x10, 0x21, 0x00, 0x10, 0x01,
-                           0x13, 0x00, 0xED, 0xB2, 0xED, 0xB2, 0x76});
+                           0x00, 0x02, 0xDB, 0x13, 0x77, 0x23, 0x0B, 0x78, 0xB1, 0x20, 0xF7, 0x76});
     const std::string d = dir.path().string();
     const RunResult r = RunHeadless("--dir " + d +
                                     " --disk mine.dsk --port 2=0xB0 --load-bin prog.bin --reg "

@@ -94,7 +94,9 @@ TEST(FdcParameter, HighestDriveBitWinsAndFlagsGoToThatDrive) {
         EXPECT_EQ(f.DriveParam6[drive], v >> 6 & 1);
         EXPECT_EQ(f.DriveParam7[drive], v >> 7 & 1);
         for (int d = 0; d < kFdcDrives; ++d)
-            if (d != drive) EXPECT_EQ(f.DriveParam5[d] + f.DriveParam6[d] + f.DriveParam7[d], 0);
+            if (d != drive) {
+                EXPECT_EQ(f.DriveParam5[d] + f.DriveParam6[d] + f.DriveParam7[d], 0);
+            }
         EXPECT_EQ(LastLog(t.m()), "Write Parameter REG: " + Hex2(v));
     }
 }

@@ -9,6 +9,7 @@
 #include "core/Machine.h"
 #include "core/RunLoop.h"
 #include "hw/MachineSetup.h"
+#include "hw/Memory.h"
 
 using namespace tvc;
 
@@ -23,6 +24,7 @@ int main(int argc, char** argv) {
     m->bus.PortLatch[5] = 255;
     m->crtc.CrtcReg[10] = 32;
     m->bus.PortLatch[2] = 0xB0; // RAM everywhere
+    MemoryMapChanged(*m);
 
     // A mix of loads, ALU work, memory traffic, calls and conditional jumps.
     const std::vector<uint8_t> program = {

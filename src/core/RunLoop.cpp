@@ -82,6 +82,13 @@ void FrameBoundary(Machine& m) {
 
 void ExecuteInstruction(Machine& m) {
     Z80& cpu = m.cpu;
+    // Most instructions have no prefix: their one stage needs no dispatch on
+    // PrefixState.
+    if (cpu.PrefixState == kPrefixNone) {
+        cpu.CurOpcode = MemRead(m, cpu.RegPC);
+        cpu.xx();
+        if (cpu.PrefixState <= 0) return;
+    }
     for (;;) {
         cpu.CurOpcode = MemRead(m, cpu.RegPC);
         switch (cpu.PrefixState) {

@@ -24,7 +24,7 @@ struct RunState {
     // The addresses of the last ten instructions; LastPcRing(9) is the latest.
     int32_t LastPcRing(int i) const { return ring[(ringHead + 1 + i) % 10]; }
     void PushLastPc(int32_t pc) {
-        ringHead = (ringHead + 1) % 10;
+        ringHead = ringHead == 9 ? 0 : ringHead + 1;
         ring[ringHead] = pc;
     }
 

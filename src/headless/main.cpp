@@ -154,6 +154,7 @@ int Main(const std::vector<std::string>& args) {
 
     for (const auto& [port, value] : o.ports)
         m.bus.PortLatch[port] = static_cast<uint8_t>(value);
+    MemoryMapChanged(m);
     for (const std::string& file : o.loadBins)
         if (!LoadBin(m, file)) {
             std::cerr << "tvc-headless: cannot read " << file << '\n';

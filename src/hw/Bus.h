@@ -11,7 +11,9 @@
 //   0x38000 I/O card 0 ROM, four 4 KB pages
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -32,9 +34,18 @@ struct Bus {
     bool MexActive = false;           // CartName is the MEX4MB cartridge
     int32_t VideoErrorEnabled = 0;    // the memory error simulator's video fault
 
+    // The fast path of MemRead and MemWrite, kept by MemoryMapChanged
+    // (hw/Memory.h): for each 16 KB range of 0 to 0xFFFF the offset in Mem it
+    // reaches, or -1 where the range takes the chain of tests. All -1 is
+    // always correct, only slower.
+    int32_t ReadPage[4] = {-1, -1, -1, -1};
+    int32_t WritePage[4] = {-1, -1, -1, -1};
+
     void SetCartName(std::string name) {
         CartName = std::move(name);
         MexActive = CartName == kMexCartName;
+        std::fill(std::begin(ReadPage), std::end(ReadPage), -1);
+        std::fill(std::begin(WritePage), std::end(WritePage), -1);
     }
 };
 

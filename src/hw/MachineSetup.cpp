@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "core/Machine.h"
+#include "hw/Memory.h"
 #include "hw/Ports.h"
 
 namespace tvc {
@@ -68,6 +69,7 @@ void LoadCartridge(Machine& m) {
     } else if (auto buf = ReadOptional(m, b.CartName, 16384)) {
         CopyToMem(m, *buf, 0, 0x14000, 16384);
     }
+    MemoryMapChanged(m);
 }
 
 } // namespace
@@ -82,6 +84,7 @@ void MachineInit(Machine& m) {
     b.Mem.assign(kMemSize, 0);
     std::fill(std::begin(b.PortLatch), std::end(b.PortLatch), uint8_t{0});
     std::fill(std::begin(b.KeyMatrix), std::end(b.KeyMatrix), uint8_t{0});
+    MemoryMapChanged(m);
 
     m.cpu.Z80Init();
     FdcInit(m);
@@ -150,6 +153,7 @@ void MachineReset(Machine& m) {
 
     b.PortLatch[2] = 0;
     b.PortLatch[0x18] = 0;
+    MemoryMapChanged(m);
 }
 
 } // namespace tvc

@@ -10,6 +10,19 @@
 // Run-away addresses: where the resulting offset falls outside Mem (or outside
 // a MEX4MB page), the read gives 0xFF, as an open bus would, and the write is
 // dropped. Nothing reads or writes beyond the arrays.
+//
+// The chain is the reference; in front of it stands a table of one offset per
+// 16 KB range (Bus::ReadPage, Bus::WritePage) for the ranges that map plainly
+// onto Mem. Ranges with any side effect or special case keep -1 and take the
+// chain: the cartridge while MEX4MB is active, ROM writes, the x32KB cut-off,
+// the video error hook and the I/O window at 0xC000.
+//
+// MemoryMapChanged(m) rebuilds the table. It must be called after anything
+// that changes what the table depends on: PortLatch[2], [3], [0x0F], [0x18] or
+// [0xA0] (PortOut does it for its writes), menu.x32KB, VideoErrorEnabled,
+// CartName/MexActive, MexMem or Mem being reallocated. MachineInit and
+// MachineReset call it. Code that writes a latch directly must call it too;
+// Bus::SetCartName resets the table to all -1 by itself.
 #pragma once
 
 #include <cstdint>
@@ -35,94 +48,45 @@ inline void Put(Bus& b, int32_t off, int32_t value) {
 }
 } // namespace detail
 
+// The chain of tests alone, without the table: the reference for the table.
+int32_t MemReadChain(Machine& m, int32_t a);
+void MemWriteChain(Machine& m, int32_t a, int32_t value);
+
+// Rebuilds Bus::ReadPage and Bus::WritePage from the paging state.
+void MemoryMapChanged(Machine& m);
+
 inline int32_t MemRead(Machine& m, int32_t a) {
-    using namespace detail;
-    Bus& b = m.bus;
-    const int32_t p2 = b.PortLatch[2];
-    // Every branch adds a non-negative offset, so an address past the end of
-    // Mem can only land off the map; leaving early also keeps the sums in range.
-    if (a >= kMemSize) return 0xFF;
-    if (a < 0x4000) {
-        switch (p2 & 0x18) {
-        case 0x00: return At(b, a + 0x18000);
-        case 0x08: return CartRead(m, a);
-        case 0x10: return At(b, a);
-        case 0x18: return At(b, a + 0xC000);
-        }
-        return PagingGuardRead(m, "P2");
+    const Bus& b = m.bus;
+    if (static_cast<uint32_t>(a) < 0x10000u) {
+        const int32_t base = b.ReadPage[a >> 14];
+        if (base >= 0) return b.Mem[base + (a & 0x3FFF)];
     }
-    if (a < 0x8000) {
-        if (!(p2 & 0x04)) return At(b, a);
-        switch (b.PortLatch[0x0F] & 3) {
-        case 0: return At(b, a + 0xC000);
-        case 1: return At(b, a + 0x1C000);
-        case 2: return At(b, a + 0x20000);
-        case 3: return At(b, a + 0x24000);
-        }
-        return PagingGuardRead(m, "P15");
-    }
-    if (a < 0xC000) {
-        if (p2 & 0x20) return m.menu.x32KB ? 0 : At(b, a);
-        if (b.VideoErrorEnabled) b.Mem[a + 0x8000] |= 0x37;
-        switch (b.PortLatch[0x0F] & 0x0C) {
-        case 0x00: return At(b, a + 0x8000);
-        case 0x04: return At(b, a + 0x18000);
-        case 0x08: return At(b, a + 0x1C000);
-        case 0x0C: return At(b, a + 0x20000);
-        }
-        return PagingGuardRead(m, "P15");
-    }
-    switch (p2 & 0xC0) {
-    case 0x00: return CartRead(m, a - 0xC000);
-    case 0x40: return At(b, a + 0xC000);
-    case 0x80: return m.menu.x32KB ? 0 : At(b, a);
-    case 0xC0: return IoWindowRead(m, a);
-    }
-    return PagingGuardRead(m, "P2");
+    return MemReadChain(m, a);
 }
 
 inline void MemWrite(Machine& m, int32_t a, int32_t value) {
-    using namespace detail;
     Bus& b = m.bus;
-    const int32_t p2 = b.PortLatch[2];
-    if (a >= kMemSize) return;
-    if (a < 0x4000) {
-        switch (p2 & 0x18) {
-        case 0x00: return; // system ROM
-        case 0x08: return CartWrite(m, a, value);
-        case 0x10: return Put(b, a, value);
-        case 0x18: return Put(b, a + 0xC000, value);
+    if (static_cast<uint32_t>(a) < 0x10000u) {
+        const int32_t base = b.WritePage[a >> 14];
+        if (base >= 0) {
+            b.Mem[base + (a & 0x3FFF)] = static_cast<uint8_t>(value);
+            return;
         }
-        return PagingGuardWrite(m, "P2");
     }
-    if (a < 0x8000) {
-        if (!(p2 & 0x04)) return Put(b, a, value);
-        switch (b.PortLatch[0x0F] & 3) {
-        case 0: return Put(b, a + 0xC000, value);
-        case 1: return Put(b, a + 0x1C000, value);
-        case 2: return Put(b, a + 0x20000, value);
-        case 3: return Put(b, a + 0x24000, value);
-        }
-        return PagingGuardWrite(m, "P15");
-    }
-    if (a < 0xC000) {
-        // With x32KB the RAM still stores; only reads are cut off.
-        if (p2 & 0x20) return Put(b, a, value);
-        switch (b.PortLatch[0x0F] & 0x0C) {
-        case 0x00: return Put(b, a + 0x8000, value);
-        case 0x04: return Put(b, a + 0x18000, value);
-        case 0x08: return Put(b, a + 0x1C000, value);
-        case 0x0C: return Put(b, a + 0x20000, value);
-        }
-        return PagingGuardWrite(m, "P15");
-    }
-    switch (p2 & 0xC0) {
-    case 0x00: return CartWrite(m, a - 0xC000, value);
-    case 0x40: return; // system ROM
-    case 0x80: return Put(b, a, value);
-    case 0xC0: return IoWindowWrite(m, a, value);
-    }
-    PagingGuardWrite(m, "P2");
+    MemWriteChain(m, a, value);
+}
+
+inline int32_t Z80::Rd(int32_t address) {
+    return MemRead(m, address);
+}
+inline void Z80::Wr(int32_t address, int32_t value) {
+    MemWrite(m, address, value);
+}
+inline int32_t Z80::Rd16(int32_t address) {
+    return Rd(address) + 256 * Rd(WrapAdd(address, 1));
+}
+inline int32_t Z80::Imm16() {
+    return Rd16(RegPC + 1);
 }
 
 } // namespace tvc

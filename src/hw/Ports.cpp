@@ -6,6 +6,7 @@
 
 #include "core/Machine.h"
 #include "hw/MachineSetup.h"
+#include "hw/Memory.h"
 
 namespace tvc {
 
@@ -127,14 +128,17 @@ void PortOut(Machine& m, int32_t port, int32_t& value) {
     }
     switch (port) {
     case 0x01:
-    case 0x02:
-    case 0x03:
     case 0x04:
     case 0x05:
+    case 0x21: latch[port] = byte; return;
+    case 0x02:
+    case 0x03:
     case 0x0F:
     case 0x18:
-    case 0x21:
-    case 0xA0: latch[port] = byte; return;
+    case 0xA0: // the paging latches
+        latch[port] = byte;
+        MemoryMapChanged(m);
+        return;
     case 0x06:
         Port6Write(m, value);
         latch[port] = byte;

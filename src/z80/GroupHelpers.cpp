@@ -6,6 +6,7 @@
 // processor's own and stay: ADC HL and SBC HL take the new carry into the
 // 12-bit sum, and ADD IY takes its half carry from RegIX.
 #include "core/Machine.h"
+#include "hw/Memory.h"
 #include "hw/Ports.h"
 #include "z80/Z80.h"
 

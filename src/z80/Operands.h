@@ -2,6 +2,7 @@
 // three-bit register field and the eight accumulator operations.
 #pragma once
 
+#include "hw/Memory.h"
 #include "z80/Z80.h"
 
 namespace tvc {

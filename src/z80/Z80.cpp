@@ -8,13 +8,6 @@
 
 namespace tvc {
 
-int32_t Z80::Rd(int32_t address) {
-    return MemRead(m, address);
-}
-void Z80::Wr(int32_t address, int32_t value) {
-    MemWrite(m, address, value);
-}
-
 void Z80::Z80Init() {
     CpuReset();
     for (int n = 0; n < 16; ++n)

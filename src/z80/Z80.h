@@ -137,12 +137,12 @@ class Z80 {
     // stepped over by one byte, no cost and no RegR step.
     void MissingOP();
 
-    // Shared memory and port access for the executors.
-    int32_t Rd(int32_t address);
-    void Wr(int32_t address, int32_t value);
-    int32_t Rd16(int32_t address) { return Rd(address) + 256 * Rd(WrapAdd(address, 1)); }
+    // Shared memory access for the executors; inline, defined in hw/Memory.h.
+    inline int32_t Rd(int32_t address);
+    inline void Wr(int32_t address, int32_t value);
+    inline int32_t Rd16(int32_t address);
     // The 16-bit immediate that follows the opcode at RegPC.
-    int32_t Imm16() { return Rd16(RegPC + 1); }
+    inline int32_t Imm16();
 
     void SetSZP(int32_t v) {
         FlagS = (v >> 7) & 1;

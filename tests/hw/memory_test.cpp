@@ -67,6 +67,7 @@ TEST(MemoryMap, EveryRow) {
         b.PortLatch[3] = static_cast<uint8_t>(k.p3);
         b.PortLatch[0x0F] = static_cast<uint8_t>(k.p15);
         b.PortLatch[0x18] = static_cast<uint8_t>(k.p24);
+        MemoryMapChanged(t.m());
 
         if (k.readFrom >= 0) {
             b.Mem[k.readFrom] = 0xA5;
@@ -101,6 +102,7 @@ TEST(MemoryMap, TwoWindowsCanShowDifferentVideoPages) {
     Bus& b = t.m().bus;
     b.PortLatch[2] = 0x04;           // video at 0x4000 and at 0x8000
     b.PortLatch[0x0F] = 0x01 | 0x08; // page 1 at 0x4000, page 2 at 0x8000
+    MemoryMapChanged(t.m());
     b.Mem[0x20000] = 1;
     b.Mem[0x24000] = 2;
     EXPECT_EQ(MemRead(t.m(), 0x4000), 1);
@@ -110,14 +112,17 @@ TEST(MemoryMap, TwoWindowsCanShowDifferentVideoPages) {
 TEST(MemoryMap, ThirtyTwoKStoresButReadsZeroInU2AndU3) {
     TestMachine t;
     t.m().menu.x32KB = true;
+    MemoryMapChanged(t.m());
     for (int32_t a : {0x8000, 0xC000}) {
         MemWrite(t.m(), a, 0x77);
         EXPECT_EQ(MemRead(t.m(), a), 0) << a;
     }
     // U3 through the window at 0 is not cut off.
     t.m().bus.PortLatch[2] = 0x18 | 0x20 | 0x80;
+    MemoryMapChanged(t.m());
     EXPECT_EQ(MemRead(t.m(), 0x0000), 0x77);
     t.m().menu.x32KB = false;
+    MemoryMapChanged(t.m());
     EXPECT_EQ(MemRead(t.m(), 0x8000), 0x77);
     EXPECT_EQ(MemRead(t.m(), 0xC000), 0x77);
 }
@@ -141,6 +146,7 @@ TEST(MemoryMap, VideoErrorHookOnlyOnTheWindowAt8000) {
     b.VideoErrorEnabled = 1;
     b.PortLatch[2] = 0x04;    // both windows show video
     b.PortLatch[0x0F] = 0x04; // page 1 at 0x8000, page 0 at 0x4000
+    MemoryMapChanged(t.m());
     b.Mem[0x10100] = 0x40;
     b.Mem[0x20100] = 0x01;
     EXPECT_EQ(MemRead(t.m(), 0x4100), 0x40); // no hook
@@ -156,11 +162,13 @@ TEST(MemoryMap, Mex4mbPagesComeFromPort0xA0) {
     b.MexMem.assign(size_t(kMexPages) * kMexPageSize, 0);
     b.PortLatch[2] = 0x08; // cartridge at 0 and at 0xC000
     b.PortLatch[0xA0] = 7;
+    MemoryMapChanged(t.m());
     MemWrite(t.m(), 0x0010, 0x12);
     MemWrite(t.m(), 0xC020, 0x34);
     EXPECT_EQ(b.MexMem[7 * kMexPageSize + 0x10], 0x12);
     EXPECT_EQ(b.MexMem[7 * kMexPageSize + 0x20], 0x34);
     b.PortLatch[0xA0] = 8;
+    MemoryMapChanged(t.m());
     EXPECT_EQ(MemRead(t.m(), 0x0010), 0);
     EXPECT_EQ(MemRead(t.m(), 0x10000), 0xFF); // beyond the page: off the map
 }

@@ -42,6 +42,7 @@ struct Fixture {
         MachineInit(*m);
         MachineReset(*m);
         m->bus.PortLatch[2] = 0xB0; // RAM everywhere
+        MemoryMapChanged(*m);
         w = std::make_unique<TScreen>(*m);
         host.window = w.get();
         w->Click("xDebug");
@@ -328,6 +329,7 @@ void CPUmonTest::loadBinFromTheFileList() {
     f.dir.Write("prog.bin", {0x3E, 0x42, 0xFD, 0xF3});
     f.dir.Write("notes.txt", {0x00});
     f.m->bus.PortLatch[2] = 0xB0; // U0 at 0: the loaded bytes are what runs there
+    MemoryMapChanged(*f.m);
     QTest::mouseClick(f.mon->Command8, Qt::LeftButton);
     QVERIFY(f.mon->File1->isVisible());
     QVERIFY(f.mon->File1->findItems("notes.txt", Qt::MatchExactly).isEmpty());

@@ -12,6 +12,7 @@
 
 #include "core/RunLoop.h"
 #include "hw/MachineSetup.h"
+#include "hw/Memory.h"
 #include "support/TestMachine.h"
 #include "ui/main/FScreen.h"
 #include "ui/main/Picture.h"
@@ -63,6 +64,7 @@ class TScreenTest : public QObject {
     void pagingCalculator();
     void lightPenFollowsTheMouseOverThePicture();
     void fullScreenGeometry();
+    void loadBarWidthIsInTwips();
     void openWithNoFileReportsAndCarriesOn();
     void pauseResumeAndResetSequences();
     void optionTogglesRebuildTheMachine();
@@ -249,6 +251,17 @@ void TScreenTest::fullScreenGeometry() {
     QCOMPARE(FullScreenPictureRect(QSize(10, 5), QSize(648, 640)), QRect(5, 2, 0, 0));
 }
 
+// Shape4's width comes in twips, 15 to a pixel, up to the bar's 200 pixels.
+void TScreenTest::loadBarWidthIsInTwips() {
+    Fixture f;
+    auto* shape = f.w->findChild<QFrame*>("Shape4");
+    for (int twips : {0, 7, 8, 22, 23, 1500, 2000, 2999, 3000, 100000}) {
+        f.w->SetLoadBar(twips);
+        const int pixels = std::min(200, int(std::lround(twips / 15.0)));
+        QCOMPARE(shape->width(), pixels);
+    }
+}
+
 void TScreenTest::openWithNoFileReportsAndCarriesOn() {
     Fixture f;
     f.w->Click("xLoadCAS");
@@ -267,6 +280,7 @@ void TScreenTest::openWithNoFileReportsAndCarriesOn() {
 void TScreenTest::pauseResumeAndResetSequences() {
     Fixture f;
     f.m->bus.PortLatch[2] = 0xB0; // NOPs in RAM
+    MemoryMapChanged(*f.m);
     // Pause from inside the running loop, twice over, with a reset between.
     int ticks = 0;
     QTimer timer;

@@ -2,7 +2,7 @@
 # label "slow" and stays out of the quick unit test run (ctest -LE slow).
 set(TVC_Z80TESTS_DIR "${CMAKE_SOURCE_DIR}/../shared/z80tests" CACHE PATH
     "Folder holding the Z80 exerciser zexdoc.com")
-add_executable(tvc_zexdoc ${CMAKE_CURRENT_LIST_DIR}/zexdoc_run.cpp)
+add_executable(tvc_zexdoc ${CMAKE_CURRENT_LIST_DIR}/zexdoc_run.cpp ${CMAKE_CURRENT_LIST_DIR}/CpmShim.cpp)
 target_link_libraries(tvc_zexdoc PRIVATE tvccore)
 add_test(NAME z80.zexdoc COMMAND tvc_zexdoc ${TVC_Z80TESTS_DIR}/zexdoc.com)
 set_tests_properties(z80.zexdoc PROPERTIES LABELS slow TIMEOUT 3600 SKIP_RETURN_CODE 77)

@@ -17,17 +17,15 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <fstream>
-#include <iterator>
 #include <map>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "CpmShim.h"
 #include "core/Machine.h"
 #include "core/RunLoop.h"
-#include "hw/Memory.h"
 
 using namespace tvc;
 
@@ -56,14 +54,7 @@ constexpr ExpectedError kExpectedErrors[] = {
      "so the state after the test is changed and not saved (the run itself goes on)"},
 };
 
-constexpr int32_t kLoadAddress = 0x100;
-constexpr int32_t kTopOfMemory = 0xF000;
 constexpr int64_t kMaxInstructions = 8'000'000'000; // a full run is about 5.76 billion
-
-// Descriptor layout: flag mask, base case, increment vector, shift vector
-// (20 bytes each), expected CRC, then a 30-character message and '$'.
-constexpr int32_t kMessageOffset = 1 + 3 * 20 + 4;
-constexpr int32_t kMessageLength = 30;
 
 class ExerciserHost : public Host {
   public:
@@ -79,58 +70,6 @@ class ExerciserHost : public Host {
         messages.push_back("fatal " + std::string(title) + ": " + std::string(text));
     }
 };
-
-// The program's text output, split into the groups' result lines.
-struct Console {
-    std::string line;
-    std::vector<std::pair<std::string, bool>> results; // group, OK
-    bool complete = false;
-
-    void Put(char ch) {
-        std::fputc(ch, stdout);
-        if (ch == '\n') {
-            EndLine();
-            std::fflush(stdout);
-        } else if (ch != '\r') {
-            line += ch;
-            if (line.find("Tests complete") != std::string::npos) complete = true;
-        }
-    }
-    void EndLine() {
-        const bool ok = line.find("  OK") != std::string::npos;
-        const bool error = line.find("  ERROR") != std::string::npos;
-        if (ok || error) {
-            std::string name = line.substr(0, std::min<size_t>(line.size(), kMessageLength));
-            while (!name.empty() && name.back() == '.')
-                name.pop_back();
-            results.emplace_back(name, ok);
-        }
-        line.clear();
-    }
-};
-
-int32_t Word(Machine& m, int32_t a) {
-    return MemRead(m, a) | MemRead(m, a + 1) << 8;
-}
-
-bool IsDescriptor(Machine& m, int32_t a, int32_t imageEnd) {
-    return a >= kLoadAddress && a + kMessageOffset + kMessageLength < imageEnd &&
-           MemRead(m, a + kMessageOffset + kMessageLength) == '$';
-}
-
-// The exerciser's table of test descriptors, read to know how many groups a
-// whole run reports: a run of words pointing at descriptors, ended by 0.
-// Returns its address, or -1.
-int32_t FindTestTable(Machine& m, int32_t imageEnd) {
-    for (int32_t a = kLoadAddress; a + 2 * 10 < imageEnd; ++a) {
-        int32_t n = 0;
-        while (IsDescriptor(m, Word(m, a + 2 * n), imageEnd))
-            ++n;
-        if (n >= 10 && Word(m, a + 2 * n) == 0 && !IsDescriptor(m, Word(m, a - 2), imageEnd))
-            return a;
-    }
-    return -1;
-}
 
 bool ErrorExpected(const std::string& group) {
     for (const ExpectedError& e : kExpectedErrors)
@@ -154,68 +93,27 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "usage: tvc_zexdoc <zexdoc.com> [--groups N]\n");
         return 2;
     }
-    std::ifstream in(path, std::ios::binary);
-    if (!in) {
-        std::printf("SKIP: %s not found\n", path);
-        return 77;
-    }
-    const std::vector<uint8_t> image((std::istreambuf_iterator<char>(in)),
-                                     std::istreambuf_iterator<char>());
-    if (image.empty() || image.size() > size_t(kTopOfMemory - kLoadAddress)) {
-        std::printf("FAIL: %s is not a CP/M program of a usable size\n", path);
-        return 1;
-    }
-    const int32_t imageEnd = kLoadAddress + int32_t(image.size());
-
     ExerciserHost host;
     auto machine = std::make_unique<Machine>(host);
     Machine& m = *machine;
     Z80& cpu = m.cpu;
     cpu.Z80Init();
     cpu.UndocEnabled = 1;
-    m.bus.PortLatch[2] = 0xB0;
-    for (size_t i = 0; i < image.size(); ++i)
-        MemWrite(m, kLoadAddress + int32_t(i), image[i]);
-    MemWrite(m, 0, 0x76); // the warm boot: the run ends when RegPC reaches it
-    MemWrite(m, 5, 0xC9); // BDOS: served by the shim, then returns
-    MemWrite(m, 6, kTopOfMemory & 255);
-    MemWrite(m, 7, kTopOfMemory >> 8);
-
-    const int32_t table = FindTestTable(m, imageEnd);
-    if (table < 0) {
-        std::printf("FAIL: no test table found in %s\n", path);
+    CpmShim shim;
+    const std::string error = shim.Load(m, path);
+    if (error == CpmShim::kMissing) {
+        std::printf("SKIP: %s not found\n", path);
+        return 77;
+    }
+    if (!error.empty()) {
+        std::printf("FAIL: %s: %s\n", path, error.c_str());
         return 1;
     }
-    int32_t groups = 0;
-    while (Word(m, table + 2 * groups) != 0)
-        ++groups;
-    std::printf("exerciser test table at %04X: %d groups\n", unsigned(table), int(groups));
-    std::fflush(stdout);
-
-    Console console;
-    cpu.RegPC = kLoadAddress;
+    const int32_t groups = shim.Groups();
+    ExerciserConsole& console = shim.console;
     int64_t count = 0;
-    bool ended = false;
     const auto start = std::chrono::steady_clock::now();
-    for (;;) {
-        const int32_t pc = cpu.RegPC;
-        if (static_cast<uint32_t>(pc) <= 5) {
-            if (pc == 0) {
-                ended = true;
-                break;
-            }
-            if (pc == 5) {
-                if (cpu.RegC == 2) console.Put(char(cpu.RegE));
-                if (cpu.RegC == 9)
-                    for (int32_t a = cpu.DE(), n = 0; n < 0x10000; ++a, ++n) {
-                        const int32_t ch = MemRead(m, a & 0xFFFF);
-                        if (ch == '$') break;
-                        console.Put(char(ch));
-                    }
-                std::fflush(stdout);
-                if (maxGroups >= 0 && int(console.results.size()) >= maxGroups) break;
-            }
-        }
+    while (shim.Step(m, maxGroups)) {
         ExecuteInstruction(m);
         cpu.RegR &= 255;
         if (cpu.TStates > kFrameT) cpu.TStates -= kFrameT;
@@ -244,7 +142,7 @@ int main(int argc, char** argv) {
         if (!ErrorExpected(group) && !ok) fail(group + ": ERROR, not explained");
     }
     if (maxGroups < 0) {
-        if (!ended || !console.complete) fail("the exerciser did not reach its end");
+        if (!shim.Ended() || !console.complete) fail("the exerciser did not reach its end");
         if (int(console.results.size()) != groups)
             fail("reported " + std::to_string(console.results.size()) + " groups of " +
                  std::to_string(groups));

@@ -1,0 +1,117 @@
+#include "CpmShim.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <fstream>
+#include <iterator>
+
+#include "hw/Memory.h"
+
+namespace tvc {
+
+namespace {
+
+constexpr int32_t kLoadAddress = 0x100;
+constexpr int32_t kTopOfMemory = 0xF000;
+
+// Descriptor layout: flag mask, base case, increment vector, shift vector
+// (20 bytes each), expected CRC, then a 30-character message and '$'.
+constexpr int32_t kMessageOffset = 1 + 3 * 20 + 4;
+constexpr int32_t kMessageLength = 30;
+
+int32_t Word(Machine& m, int32_t a) {
+    return MemRead(m, a) | MemRead(m, a + 1) << 8;
+}
+
+bool IsDescriptor(Machine& m, int32_t a, int32_t imageEnd) {
+    return a >= kLoadAddress && a + kMessageOffset + kMessageLength < imageEnd &&
+           MemRead(m, a + kMessageOffset + kMessageLength) == '$';
+}
+
+// The exerciser's table of test descriptors, read to know how many groups a
+// whole run reports: a run of words pointing at descriptors, ended by 0.
+// Returns its address, or -1.
+int32_t FindTestTable(Machine& m, int32_t imageEnd) {
+    for (int32_t a = kLoadAddress; a + 2 * 10 < imageEnd; ++a) {
+        int32_t n = 0;
+        while (IsDescriptor(m, Word(m, a + 2 * n), imageEnd))
+            ++n;
+        if (n >= 10 && Word(m, a + 2 * n) == 0 && !IsDescriptor(m, Word(m, a - 2), imageEnd))
+            return a;
+    }
+    return -1;
+}
+
+} // namespace
+
+void ExerciserConsole::Put(char ch) {
+    std::fputc(ch, stdout);
+    if (ch == '\n') {
+        EndLine();
+        std::fflush(stdout);
+    } else if (ch != '\r') {
+        line += ch;
+        if (line.find("Tests complete") != std::string::npos) complete = true;
+    }
+}
+
+void ExerciserConsole::EndLine() {
+    const bool ok = line.find("  OK") != std::string::npos;
+    const bool error = line.find("  ERROR") != std::string::npos;
+    if (ok || error) {
+        std::string name = line.substr(0, std::min<size_t>(line.size(), kMessageLength));
+        while (!name.empty() && name.back() == '.')
+            name.pop_back();
+        results.emplace_back(name, ok);
+    }
+    line.clear();
+}
+
+std::string CpmShim::Load(Machine& m, const char* path) {
+    std::ifstream in(path, std::ios::binary);
+    if (!in) return kMissing;
+    const std::vector<uint8_t> image((std::istreambuf_iterator<char>(in)),
+                                     std::istreambuf_iterator<char>());
+    if (image.empty() || image.size() > size_t(kTopOfMemory - kLoadAddress))
+        return "not a CP/M program of a usable size";
+    const int32_t imageEnd = kLoadAddress + int32_t(image.size());
+
+    m.bus.PortLatch[2] = 0xB0;
+    MemoryMapChanged(m);
+    for (size_t i = 0; i < image.size(); ++i)
+        MemWrite(m, kLoadAddress + int32_t(i), image[i]);
+    MemWrite(m, 0, 0x76); // the warm boot: the run ends when RegPC reaches it
+    MemWrite(m, 5, 0xC9); // BDOS: served by the shim, then returns
+    MemWrite(m, 6, kTopOfMemory & 255);
+    MemWrite(m, 7, kTopOfMemory >> 8);
+
+    const int32_t table = FindTestTable(m, imageEnd);
+    if (table < 0) return "no test table found";
+    groups_ = 0;
+    while (Word(m, table + 2 * groups_) != 0)
+        ++groups_;
+    std::printf("exerciser test table at %04X: %d groups\n", unsigned(table), int(groups_));
+    std::fflush(stdout);
+    m.cpu.RegPC = kLoadAddress;
+    return {};
+}
+
+bool CpmShim::Serve(Machine& m, int32_t pc, int maxGroups) {
+    Z80& cpu = m.cpu;
+    if (pc == 0) {
+        ended_ = true;
+        return false;
+    }
+    if (pc != 5) return true;
+    if (cpu.RegC == 2) console.Put(char(cpu.RegE));
+    if (cpu.RegC == 9)
+        for (int32_t a = cpu.DE(), n = 0; n < 0x10000; ++a, ++n) {
+            const int32_t ch = MemRead(m, a & 0xFFFF);
+            if (ch == '$') break;
+            console.Put(char(ch));
+        }
+    std::fflush(stdout);
+    return maxGroups < 0 || int(console.results.size()) < maxGroups;
+}
+
+} // namespace tvc

@@ -13,6 +13,7 @@
 #include "app/SingleInstance.h"
 #include "core/Machine.h"
 #include "hw/MachineSetup.h"
+#include "media/Disk.h"
 #include "sound/SoundFX.h"
 #include "ui/main/QtHost.h"
 #include "ui/main/TScreen.h"
@@ -77,6 +78,7 @@ int main(int argc, char** argv) {
     tvc::MachineInit(*machine);
     tvc::MachineReset(*machine);
     tvc::TapeOpenInput(*machine, "load.wav"); // a missing tape is not reported
+    tvc::DiskLoad(*machine, tvc::kDefaultDisk); // silent when missing or empty
     tvc::SoundInit(*machine);
 
     // The audio link: the maps first, then the player that opens them.

@@ -13,6 +13,7 @@
 #include "hw/Bus.h"
 #include "links/Printer.h"
 #include "links/SerialPort.h"
+#include "media/Disk.h"
 #include "media/Fdc.h"
 #include "media/Tape.h"
 #include "sound/Ay8910.h"
@@ -50,6 +51,7 @@ class Machine {
     Sid sid;
     Ay8910 ay;
     Fdc fdc;
+    Disk disk;
     Tape tape;
     SerialPort serial;
     Printer printer;

@@ -41,6 +41,8 @@ Machine set-up (applied in this order):
   --asm-symbols FILE|-   the symbol list: name in 22 columns, then its value
   --reg NAME=V           set a register, flag or line by its --dump-regs name
                          (RegPC=0x100, FlagC=1, IFF1=1, ...)
+  --disk FILE            load a disk image into drive 0, after "default.dsk"
+                         (--set xio0=1 adds the floppy card's ROM)
 Running:
   --steps N              run exactly N instructions
   --frames N             run N frames (62,500 T-states each)
@@ -70,6 +72,10 @@ Output, after the run:
   --audio FILE.wav       record the machine's sound as it would reach the audio
                          player: 22,050 Hz stereo 8-bit, 100 ms per 5 frames
   --disasm ADDR:LINES    the disassembly of LINES instructions from ADDR, on stdout
+  --dump-hw FILE|-       the hardware monitor's fields by group and caption, the
+                         floppy controller's registers and drives and the disk's
+                         boot record, as a JSON object
+  --dump-fdc-log FILE|-  the floppy command log, its title and one line an entry
   --help                 this text
 
 Numbers are decimal or 0x hexadecimal.
@@ -130,7 +136,7 @@ constexpr std::string_view kValueOptions[] = {
     "--dump-regs", "--dump-mem", "--screenshot", "--disasm", "--audio", "--cart", "--type",
     "--type-after", "--tape-in", "--load-snap", "--load-cas", "--tape-out", "--save-cas",
     "--cas-range", "--save-snap", "--save-mex", "--control", "--asm", "--asm-after",
-    "--asm-listing", "--asm-symbols",
+    "--asm-listing", "--asm-symbols", "--disk", "--dump-hw", "--dump-fdc-log",
 };
 
 bool KnownMenuItem(const std::string& name) {
@@ -257,6 +263,9 @@ std::optional<Options> ParseOptions(const std::vector<std::string>& args, std::s
             o.disasm = std::make_pair(*ad, *lines);
         } else if (name == "--dump-regs") {
             o.dumpRegs = value;
+        } else if (name == "--disk" || name == "--dump-hw" || name == "--dump-fdc-log") {
+            if (value.empty()) return fail(name + " takes a file name");
+            (name == "--disk" ? o.disk : name == "--dump-hw" ? o.dumpHw : o.dumpFdcLog) = value;
         } else if (name == "--screenshot") {
             if (value.empty()) return fail("--screenshot takes a file name");
             o.screenshot = value;

@@ -42,6 +42,9 @@ struct Options {
     bool asmRun = false;                   // the workbench's RUN button after assembling
     std::optional<std::string> asmListing; // per source line its address and normal form
     std::optional<std::string> asmSymbols; // the symbol list List3
+    std::optional<std::string> disk;                   // disk image, loaded after "default.dsk"
+    std::optional<std::string> dumpHw;                 // the hardware monitor's fields as JSON
+    std::optional<std::string> dumpFdcLog;             // the floppy command log, a line an entry
     bool help = false;
 };
 

@@ -17,6 +17,7 @@
 #include "asm/Disassembler.h"
 #include "core/ControlItems.h"
 #include "asm/TextLib.h"
+#include "core/HwMonitor.h"
 #include "core/Machine.h"
 #include "core/RunLoop.h"
 #include "core/StateFields.h"
@@ -28,6 +29,7 @@
 #include "hw/Memory.h"
 #include "media/MediaFiles.h"
 #include "media/Tape.h"
+#include "media/Disk.h"
 #include "sound/SoundFX.h"
 #include "sound/WavRecorder.h"
 
@@ -212,6 +214,11 @@ int Main(const std::vector<std::string>& args) {
     MachineInit(m);
     if (!m.FatalStop) MachineReset(m);
     if (m.FatalStop) return kExitFatal;
+    DiskLoad(m, kDefaultDisk); // silent when missing or empty
+    if (o.disk && DiskLoad(m, *o.disk) == DiskLoadResult::Unreadable) {
+        std::cerr << "tvc-headless: cannot read " << *o.disk << '\n';
+        return kExitIo;
+    }
     SoundInit(m);
     m.cpu.UndocEnabled = undoc ? 1 : 0;
 
@@ -280,6 +287,14 @@ int Main(const std::vector<std::string>& args) {
 
     if (o.dumpRegs && !WriteOut(*o.dumpRegs, RegsJson(m))) {
         std::cerr << "tvc-headless: cannot write " << *o.dumpRegs << '\n';
+        return kExitIo;
+    }
+    if (o.dumpHw && !WriteOut(*o.dumpHw, HwMonitorJson(m))) {
+        std::cerr << "tvc-headless: cannot write " << *o.dumpHw << '\n';
+        return kExitIo;
+    }
+    if (o.dumpFdcLog && !WriteOut(*o.dumpFdcLog, FdcLogListing(m.fdc))) {
+        std::cerr << "tvc-headless: cannot write " << *o.dumpFdcLog << '\n';
         return kExitIo;
     }
     if (o.disasm) {

@@ -84,11 +84,11 @@ int32_t ToneReload(const Machine& m) {
 int32_t PortIn(Machine& m, int32_t port) {
     uint8_t* latch = m.bus.PortLatch;
     switch (port) {
-    case 0x10: FdcStatusRead(m); return m.fdc.FdcTrack;
-    case 0x11: return m.fdc.FdcTrack;
-    case 0x12: return m.fdc.FdcSector;
+    case 0x10: FdcStatusRead(m); return FdcTrackRead(m);
+    case 0x11: return FdcTrackRead(m);
+    case 0x12: return FdcSectorRead(m);
     case 0x13: return FdcDataRead(m);
-    case 0x14: return m.fdc.FdcHwStatus;
+    case 0x14: return FdcHwStatusRead(m);
     case 0x20:
     case 0x21: return SerialIn(m, port);
     case 0x58:

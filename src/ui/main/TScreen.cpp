@@ -27,6 +27,7 @@
 #include "ui/main/TTools.h"
 #include "ui/media/TTape.h"
 #include "ui/monitors/CPUmon.h"
+#include "ui/monitors/TVCmon.h"
 #include "video/Screen.h"
 
 namespace tvc::ui {
@@ -57,6 +58,8 @@ TScreen::TScreen(Machine& m) : m_(m) {
     tapeDeck = new TTape(m_, this, PicD);
     fullScreen = new FScreen(*this);
     cpumon = new CPUmon(*this);
+    tvcmon = new TVCmon(m_);
+    tvcmon->setParent(this, Qt::Window);
     // The drawing area keeps its size in pixels; menu and status panel come on top.
     resize(tvc::kWindowWidth,
            tvc::kWindowHeight + menuBar()->sizeHint().height() + Frame3->sizeHint().height());
@@ -312,6 +315,12 @@ void TScreen::Handle(const std::string& name) {
         cpumon->raise();
         return;
     }
+    if (name == "xTVCmon") {
+        tvcmon->redraw();
+        tvcmon->show();
+        tvcmon->raise();
+        return;
+    }
     if (name == "xHelp") {
         Frame2->raise();
         Frame2->setVisible(!Frame2->isVisible());
@@ -473,6 +482,7 @@ void TScreen::closeEvent(QCloseEvent* e) {
     tools->hide();
     tapeDeck->hide();
     cpumon->hide();
+    tvcmon->hide();
     e->accept();
     QCoreApplication::quit();
 }

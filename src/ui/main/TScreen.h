@@ -26,6 +26,7 @@ class Machine;
 namespace tvc::ui {
 
 class CPUmon;
+class TVCmon;
 class FScreen;
 class ScreenView;
 class TTools;
@@ -86,6 +87,7 @@ class TScreen : public QMainWindow {
     TTape* tapeDeck = nullptr;
     FScreen* fullScreen = nullptr;
     CPUmon* cpumon = nullptr;
+    TVCmon* tvcmon = nullptr;
 
   protected:
     void closeEvent(QCloseEvent*) override;

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "links/SerialPort.h"
+
 namespace tvc {
 
 struct CPUmonControls {
@@ -55,6 +57,7 @@ struct Controls {
     TToolsControls TTools;
     ErrorSimControls ErrorSim;
     FsaaControls Fsaa;
+    TSerialControls TSerial;
 };
 
 } // namespace tvc

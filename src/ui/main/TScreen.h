@@ -26,6 +26,9 @@ class Machine;
 namespace tvc::ui {
 
 class CPUmon;
+class ErrorSim;
+class TPrint;
+class TSerial;
 class FScreen;
 class ScreenView;
 class TTools;
@@ -82,6 +85,9 @@ class TScreen : public QMainWindow {
     TTools* tools = nullptr;
     FScreen* fullScreen = nullptr;
     CPUmon* cpumon = nullptr;
+    TSerial* serial = nullptr;
+    TPrint* printer = nullptr;
+    ErrorSim* errorSim = nullptr;
 
   protected:
     void closeEvent(QCloseEvent*) override;

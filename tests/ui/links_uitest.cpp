@@ -3,6 +3,8 @@
 // the printer's text through code page 852 and its PDF output.
 #include <QCheckBox>
 #include <QComboBox>
+#include <QGroupBox>
+#include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QRadioButton>
 #include <QtTest>
@@ -87,12 +89,12 @@ class LinksTest : public QObject {
     void printerShowsCodePage852AndPrintsAPdf() {
         Fixture f;
         TPrint& p = *f.w->printer;
+        f.w->Click("xPrinter");
         QCOMPARE(p.Combo1->itemText(0), QString("No Printer"));
         QCOMPARE(p.Combo1->itemText(p.Combo1->count() - 1), QString("PDF file"));
         // "Ár" on the machine: 128 is the printer's 181, 'Á' in code page 852.
         for (uint8_t b : {uint8_t(128), uint8_t('r'), uint8_t(13), uint8_t(10), uint8_t(200)})
             Senddata(*f.m, b);
-        f.w->Click("xPrinter");
         p.Timer1_Timer();
         QCOMPARE(p.Text1->toPlainText(), QString::fromUtf8("\u00C1r\n."));
         p.Combo1->setCurrentIndex(p.Combo1->count() - 1);

@@ -57,7 +57,6 @@ TPrint::TPrint(Machine& m, QWidget* owner) : QWidget(owner, Qt::Window), m_(m) {
     connect(Command1, &QPushButton::clicked, this, &TPrint::Command1_Click);
     connect(Command2, &QPushButton::clicked, this, &TPrint::Command2_Click);
     resize(560, 420);
-    Form_Load();
 
     Timer1 = new QTimer(this);
     Timer1->setObjectName("Timer1");
@@ -65,7 +64,15 @@ TPrint::TPrint(Machine& m, QWidget* owner) : QWidget(owner, Qt::Window), m_(m) {
     Timer1->start(kTimer1Ms);
 }
 
+// The printer list is asked of CUPS when the window is first shown: the
+// question can take a while, and start-up does not wait for it.
+void TPrint::showEvent(QShowEvent* e) {
+    if (!loaded_) Form_Load();
+    QWidget::showEvent(e);
+}
+
 void TPrint::Form_Load() {
+    loaded_ = true;
     Combo1->clear();
     Combo1->addItem(kNoPrinter);
     Combo1->addItems(QPrinterInfo::availablePrinterNames());

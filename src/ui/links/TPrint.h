@@ -30,8 +30,12 @@ class TPrint : public QWidget {
     QPushButton *Command1 = nullptr, *Command2 = nullptr;
     QTimer* Timer1 = nullptr;
 
+  protected:
+    void showEvent(QShowEvent* e) override;
+
   private:
     Machine& m_;
+    bool loaded_ = false;
     uint64_t shown_ = 0; // bytes of the printer's output the view holds, dropped ones counted
 };
 

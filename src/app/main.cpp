@@ -4,7 +4,9 @@
 #include <QMessageBox>
 #include <QSocketNotifier>
 #include <csignal>
+#include <cstdlib>
 #include <memory>
+#include <sstream>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -23,18 +25,17 @@ namespace {
 int signalPipe[2] = {-1, -1};
 
 void OnSignal(int) {
+    // A wait for a stalled audio player must not keep the close from the
+    // next yield point.
+    tvc::AudioCompanion::ReleaseWaits();
     const char byte = 1;
     [[maybe_unused]] ssize_t n = ::write(signalPipe[1], &byte, 1);
 }
 
-void CloseOnSignals(QWidget& window) {
-    if (::socketpair(AF_UNIX, SOCK_STREAM, 0, signalPipe) != 0) return;
-    auto* notifier = new QSocketNotifier(signalPipe[0], QSocketNotifier::Read, &window);
-    QObject::connect(notifier, &QSocketNotifier::activated, &window, [&window] {
-        char byte;
-        [[maybe_unused]] ssize_t n = ::read(signalPipe[0], &byte, 1);
-        window.close();
-    });
+// Installed first thing, so that a signal during start-up already waits in
+// the pipe for the window instead of killing the process.
+void CatchSignals() {
+    if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, signalPipe) != 0) return;
     struct sigaction sa = {};
     sa.sa_handler = OnSignal;
     sigemptyset(&sa.sa_mask);
@@ -43,9 +44,20 @@ void CloseOnSignals(QWidget& window) {
     sigaction(SIGINT, &sa, nullptr);
 }
 
+void CloseOnSignals(QWidget& window) {
+    if (signalPipe[0] < 0) return;
+    auto* notifier = new QSocketNotifier(signalPipe[0], QSocketNotifier::Read, &window);
+    QObject::connect(notifier, &QSocketNotifier::activated, &window, [&window] {
+        char byte;
+        [[maybe_unused]] ssize_t n = ::read(signalPipe[0], &byte, 1);
+        window.close();
+    });
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
+    CatchSignals();
     QApplication app(argc, argv);
     QApplication::setApplicationName("LUMEKTVC");
 
@@ -77,7 +89,14 @@ int main(int argc, char** argv) {
     host.audio = &player;
     const std::string playerPath =
         QCoreApplication::applicationDirPath().toStdString() + "/sndpipe";
-    if (!player.Start(playerPath))
+    // TVC_SNDPIPE_OPTIONS passes options to the player ("--stats").
+    std::vector<std::string> playerArgs;
+    if (const char* options = std::getenv("TVC_SNDPIPE_OPTIONS")) {
+        std::istringstream words(options);
+        for (std::string w; words >> w;)
+            playerArgs.push_back(w);
+    }
+    if (!player.Start(playerPath, playerArgs))
         host.MessageBox("SNDpipe open error!", "LUMEKTVC", tvc::MsgKind::Plain);
 
     // The serial link: the record, then a bridge unless one already serves.

@@ -48,6 +48,8 @@ class SilentSink {
     explicit SilentSink(AudioConsumer& link) : link_(link) {}
     // Returns true when a unit was taken (copied into unit, if given).
     bool Step(std::chrono::steady_clock::time_point now, uint8_t* unit = nullptr);
+    // It has asked and not yet taken the unit.
+    bool Asked() const { return asked_; }
 
   private:
     AudioConsumer& link_;

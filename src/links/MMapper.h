@@ -8,6 +8,12 @@
 // number 5 (invalid call), source "MMapper", and the text of the failure.
 // The tests of each operation run in a fixed order (size before open state),
 // so the first failing test decides the text.
+//
+// Unlike a Windows mapping, a POSIX object outlives its last handle, so the
+// creator unlinks it when it closes the map, and on SIGTERM or SIGINT when the
+// process has no handler of its own. The creator holds a shared lock on the
+// object while it lives; the first CreateMap of a process removes every
+// object of this user that nobody holds, which is what a dead process left.
 #pragma once
 
 #include <cstdint>
@@ -48,11 +54,19 @@ class MMapper {
     // set, so that test runs keep apart from a running emulator.
     static std::string PosixName(const std::string& name);
 
+    // Removes the objects of this user that no live creator holds and that
+    // are older than `minAgeSeconds` (so that one being made is spared),
+    // only those whose name contains `part` if given. Returns how many it
+    // removed.
+    static int RemoveStale(int minAgeSeconds = 2, const std::string& part = {});
+
   private:
     bool Fail(const std::string& text);
     bool Map(int fd, const std::string& errorPrefix);
 
     uint8_t* view_ = nullptr;
+    int lockFd_ = -1; // the creator's handle, locked shared while the map lives
+    std::string created_;
     int32_t size_ = 0;
     bool open_ = false;
     MapError error_;

@@ -1,7 +1,5 @@
 #include "links/SerialPort.h"
 
-#include <sys/mman.h>
-
 #include <algorithm>
 #include <atomic>
 #include <cstdio>
@@ -64,8 +62,7 @@ bool SerialOpen(Machine& m, const std::string& name) {
 void SerialPort::Close() {
     bridge.Stop();
     if (!map.IsOpen()) return;
-    map.CloseMap();
-    ::shm_unlink(MMapper::PosixName(mapName).c_str());
+    map.CloseMap(); // the creator's close removes the map
 }
 
 void SerialClose(Machine& m) {

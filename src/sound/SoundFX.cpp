@@ -163,6 +163,7 @@ void SoundFrame(Machine& m) {
     }
     const uint8_t delivered = kHandshakeDelivered;
     s.MMDemo2.WriteMap(&delivered, 1);
+    ++s.Deliveries;
 }
 
 void PrinterLineSound(Machine&) {}

@@ -40,8 +40,9 @@ struct SoundFX {
     int32_t MonitorFrame = 0;       // the chip panels' picture frame index
     bool PrinterLine = false;       // a printed line has begun
 
-    MMapper MMDemo;  // the unit
-    MMapper MMDemo2; // the handshake byte
+    MMapper MMDemo;          // the unit
+    MMapper MMDemo2;         // the handshake byte
+    uint32_t Deliveries = 0; // units handed over: the audio link's sign of a request
 
     std::FILE* RecordFile = nullptr;     // "record.wav" while the SAA1099 panel records
     std::FILE* SaaDataFile = nullptr;    // "saa.dat", opened and never written

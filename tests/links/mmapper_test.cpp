@@ -4,15 +4,21 @@
 
 #include <unistd.h>
 
+#include <signal.h>
+#include <sys/wait.h>
+
+#include <filesystem>
 #include <functional>
 
 #include "links/MMapper.h"
+#include "support/TestMachine.h"
 
 namespace tvc {
 namespace {
 
 struct Tagged : ::testing::Test {
-    void SetUp() override { setenv("TVC_SHM_TAG", ("mm-" + std::to_string(getpid())).c_str(), 1); }
+    std::string tag;
+    void SetUp() override { tag = test::TagSharedMemory("mm"); }
 };
 
 TEST_F(Tagged, ErrorTextsInTheirOrder) {
@@ -65,6 +71,59 @@ TEST_F(Tagged, CreatingAgainStartsFromAFreshMap) {
     uint8_t b = 9;
     reader.ReadMap(&b, 1);
     EXPECT_EQ(b, 0); // the new emulator's handshake starts at 0
+}
+
+bool Exists(const std::string& name) {
+    return std::filesystem::exists("/dev/shm" + MMapper::PosixName(name));
+}
+
+// Who removes an object, and when: its creator on close, on SIGTERM and on
+// SIGINT; a sweep only what no live creator holds.
+TEST_F(Tagged, ObjectsEndWithTheirCreator) {
+    {
+        MMapper creator, opener;
+        ASSERT_TRUE(creator.CreateMap("Life", 4));
+        ASSERT_TRUE(opener.OpenMap("Life", 4));
+        opener.CloseMap();
+        EXPECT_TRUE(Exists("Life"));                // an opener does not unlink
+        EXPECT_EQ(MMapper::RemoveStale(0, tag), 0); // a live creator holds it
+        EXPECT_TRUE(Exists("Life"));
+        // A second creator of the name replaces the object; the first one's
+        // close must leave the new object alone.
+        MMapper second;
+        ASSERT_TRUE(second.CreateMap("Life", 4));
+        creator.CloseMap();
+        EXPECT_TRUE(Exists("Life"));
+    }
+    EXPECT_FALSE(Exists("Life"));
+
+    for (int sig : {SIGTERM, SIGINT}) {
+        const pid_t child = fork();
+        if (child == 0) {
+            MMapper m;
+            if (!m.CreateMap("Killed", 4)) _exit(1);
+            raise(sig);
+            _exit(2);
+        }
+        int status = 0;
+        ASSERT_EQ(waitpid(child, &status, 0), child);
+        EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == sig) << sig;
+        EXPECT_FALSE(Exists("Killed")) << sig;
+    }
+
+    // A creator that died without a word (SIGKILL) leaves the object to the
+    // next sweep.
+    const pid_t child = fork();
+    if (child == 0) {
+        MMapper m;
+        if (!m.CreateMap("Crashed", 4)) _exit(1);
+        raise(SIGKILL);
+    }
+    waitpid(child, nullptr, 0);
+    EXPECT_TRUE(Exists("Crashed"));
+    EXPECT_EQ(MMapper::RemoveStale(3600, tag), 0); // too young to be sure
+    EXPECT_EQ(MMapper::RemoveStale(0, tag), 1);
+    EXPECT_FALSE(Exists("Crashed"));
 }
 
 } // namespace

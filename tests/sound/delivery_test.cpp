@@ -30,7 +30,7 @@ struct Link : ::testing::Test {
     AudioConsumer player;
 
     void SetUp() override {
-        setenv("TVC_SHM_TAG", ("dl-" + std::to_string(getpid())).c_str(), 1);
+        TagSharedMemory("dl");
         dir = std::make_unique<ScratchDir>();
         m = std::make_unique<Machine>(host);
         ASSERT_TRUE(SoundMapsCreate(*m));

@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <cstdlib>
 #include <fstream>
 #include <random>
 
@@ -12,6 +13,13 @@
 namespace tvc::test {
 
 namespace fs = std::filesystem;
+
+std::string TagSharedMemory(const std::string& kind) {
+    std::string tag = kind + "-" + std::to_string(::getpid());
+    if (const char* run = std::getenv("TVC_TEST_RUN"); run && *run) tag += std::string("-") + run;
+    ::setenv("TVC_SHM_TAG", tag.c_str(), 1);
+    return tag;
+}
 
 ScratchDir::ScratchDir() {
     static std::mt19937_64 rng{std::random_device{}()};

@@ -57,6 +57,11 @@ class ScratchDir {
 // (so a test can tell where a byte came from), into the current directory.
 void WriteRomSet(const ScratchDir& dir, uint8_t fill = 0);
 
+// Gives this process's shared maps their own names, "<kind>-<pid>", and
+// the ctest run's mark (TVC_TEST_RUN) behind, by which the run's check finds
+// anything a test left in /dev/shm.
+std::string TagSharedMemory(const std::string& kind);
+
 // A machine after MachineInit and MachineReset, built in its own scratch
 // directory with a full ROM set. The RAM pages are mapped in (P2 = 0xB0:
 // U0 at 0, U1 at 0x4000, U2 at 0x8000, U3 at 0xC000) unless romPaging is set.

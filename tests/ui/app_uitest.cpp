@@ -52,7 +52,7 @@ void AppTest::startsRunsAndClosesCleanly() {
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     env.insert("QT_QPA_PLATFORM", "offscreen");
     env.insert("SDL_AUDIODRIVER", "dummy");
-    env.insert("TVC_SHM_TAG", QString("app-%1").arg(QCoreApplication::applicationPid()));
+    env.insert("TVC_SHM_TAG", QString::fromStdString(tvc::test::TagSharedMemory("app")));
     env.insert("XDG_RUNTIME_DIR", QString::fromStdString(dir.path().string()));
     app.setProcessEnvironment(env);
     app.setWorkingDirectory(QString::fromStdString(dir.path().string()));

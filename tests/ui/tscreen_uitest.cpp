@@ -63,6 +63,7 @@ class TScreenTest : public QObject {
     void pagingCalculator();
     void lightPenFollowsTheMouseOverThePicture();
     void fullScreenGeometry();
+    void loadBarWidthIsInTwips();
     void openWithNoFileReportsAndCarriesOn();
     void pauseResumeAndResetSequences();
     void optionTogglesRebuildTheMachine();
@@ -247,6 +248,17 @@ void TScreenTest::fullScreenGeometry() {
     QCOMPARE(FullScreenPictureRect(QSize(1920, 1080), QSize(648, 640)), QRect(524, 108, 872, 864));
     QCOMPARE(FullScreenPictureRect(QSize(1280, 1024), QSize(648, 640)), QRect(228, 104, 824, 816));
     QCOMPARE(FullScreenPictureRect(QSize(10, 5), QSize(648, 640)), QRect(5, 2, 0, 0));
+}
+
+// Shape4's width comes in twips, 15 to a pixel, up to the bar's 200 pixels.
+void TScreenTest::loadBarWidthIsInTwips() {
+    Fixture f;
+    auto* shape = f.w->findChild<QFrame*>("Shape4");
+    for (int twips : {0, 7, 8, 22, 23, 1500, 2000, 2999, 3000, 100000}) {
+        f.w->SetLoadBar(twips);
+        const int pixels = std::min(200, int(std::lround(twips / 15.0)));
+        QCOMPARE(shape->width(), pixels);
+    }
 }
 
 void TScreenTest::openWithNoFileReportsAndCarriesOn() {

@@ -1,15 +1,16 @@
 // sndpipe: the emulator's audio player. It takes the 4,410-byte units the
 // emulator hands over on the shared maps and plays them as 22,050 Hz stereo
-// unsigned 8-bit sound through SDL. It asks for a unit only while fewer than
-// two are queued and never faster than real time, so the emulator, which
-// waits for each request, runs at the machine's own pace. Without a usable
-// audio device it goes on as a silent player that still takes one unit every
-// 100 ms. It ends with the emulator that started it.
+// unsigned 8-bit sound through SDL. It asks for the next unit when what the
+// device still has queued falls below a small margin (AudioPlayer), so the
+// emulator, which waits for each request, runs at the device's own pace.
+// Without a usable audio device it goes on as a silent player that still
+// takes one unit every 100 ms. It ends with the emulator that started it.
 //
 //   sndpipe [--wav FILE] [--stats]
 //     --wav FILE   also write what it plays to FILE
-//     --stats      at the end, print the units taken and the average time a
-//                  unit waited in the queue before the device played it
+//     --stats      at the end, print the units taken, the underruns, the
+//                  device's queue at each ask (min/mean/max) and the mean and
+//                  worst latency of a unit
 #include <SDL.h>
 #include <signal.h>
 #include <sys/prctl.h>
@@ -21,7 +22,7 @@
 #include <string>
 #include <thread>
 
-#include "links/AudioLink.h"
+#include "links/AudioPlayer.h"
 #include "sound/WavRecorder.h"
 
 using namespace tvc;
@@ -34,8 +35,23 @@ void OnSignal(int) {
     stopRequested = 1;
 }
 
-constexpr uint32_t kQueueUnits = 2;
-constexpr auto kUnitTime = std::chrono::milliseconds(100);
+class SdlDevice final : public PlayerDevice {
+  public:
+    SdlDevice(SDL_AudioDeviceID dev, uint32_t period) : dev_(dev), period_(period) {}
+    uint32_t QueuedBytes() override { return SDL_GetQueuedAudioSize(dev_); }
+    uint32_t PeriodBytes() override { return period_; }
+    void Queue(const uint8_t* bytes, uint32_t size) override { SDL_QueueAudio(dev_, bytes, size); }
+    void Clear() override {
+        SDL_ClearQueuedAudio(dev_);
+        if (!reported_) std::fprintf(stderr, "sndpipe: the audio device stalled; dropping sound\n");
+        reported_ = true;
+    }
+
+  private:
+    SDL_AudioDeviceID dev_;
+    uint32_t period_;
+    bool reported_ = false;
+};
 
 bool OpenLink(AudioConsumer& link) {
     // The emulator makes the maps before it starts the player; allow a moment.
@@ -46,7 +62,7 @@ bool OpenLink(AudioConsumer& link) {
     return false;
 }
 
-SDL_AudioDeviceID OpenDevice() {
+SDL_AudioDeviceID OpenDevice(uint32_t& periodBytes) {
     if (SDL_Init(SDL_INIT_AUDIO) != 0) {
         std::fprintf(stderr, "sndpipe: no audio (%s); playing silently\n", SDL_GetError());
         return 0;
@@ -55,12 +71,13 @@ SDL_AudioDeviceID OpenDevice() {
     want.freq = kAudioSampleRate;
     want.format = AUDIO_U8;
     want.channels = 2;
-    want.samples = 512;
+    want.samples = 256; // a short period: the queue needs less in reserve
     const SDL_AudioDeviceID dev = SDL_OpenAudioDevice(nullptr, 0, &want, &have, 0);
     if (dev == 0) {
         std::fprintf(stderr, "sndpipe: no audio device (%s); playing silently\n", SDL_GetError());
         return 0;
     }
+    periodBytes = have.size ? have.size : uint32_t(have.samples) * 2;
     SDL_PauseAudioDevice(dev, 0);
     return dev;
 }
@@ -95,60 +112,17 @@ int main(int argc, char** argv) {
     if (!wavPath.empty() && !wav.Open(wavPath))
         std::fprintf(stderr, "sndpipe: cannot write %s\n", wavPath.c_str());
 
-    const SDL_AudioDeviceID dev = OpenDevice();
-    SilentSink silent(link);
+    uint32_t period = 0;
+    const SDL_AudioDeviceID dev = OpenDevice(period);
+    SdlDevice device(dev, period);
+    AudioPlayer player(link, dev ? &device : nullptr);
     uint8_t unit[kAudioUnitBytes];
-    bool asked = false, stallReported = false;
-    uint64_t taken = 0, queuedAtTake = 0;
-    Clock::time_point start = Clock::now(), lastDrain = start;
-    uint32_t lastQueued = 0;
-
     while (!stopRequested && getppid() == parent) {
-        const Clock::time_point now = Clock::now();
-        if (dev == 0) {
-            if (silent.Step(now, unit)) wav.Add(unit, sizeof unit);
-        } else {
-            // A device that stops draining (a suspended sound server) must
-            // not stop the emulator: after a second without progress the
-            // queued sound is dropped and the pace goes on.
-            const uint32_t queued = SDL_GetQueuedAudioSize(dev);
-            if (queued == 0 || queued < lastQueued) lastDrain = now;
-            lastQueued = queued;
-            if (queued > 0 && now - lastDrain > std::chrono::seconds(1)) {
-                SDL_ClearQueuedAudio(dev);
-                if (!stallReported) std::fprintf(stderr, "sndpipe: the audio device stalled; dropping sound\n");
-                stallReported = true;
-                lastDrain = now;
-            }
-            if (asked && link.Take(unit)) {
-                asked = false;
-                ++taken;
-                queuedAtTake += SDL_GetQueuedAudioSize(dev);
-                SDL_QueueAudio(dev, unit, sizeof unit);
-                lastQueued = SDL_GetQueuedAudioSize(dev);
-                wav.Add(unit, sizeof unit);
-            }
-            // Ask while the queue is short, and never ahead of the wall clock
-            // by more than the queue, whatever the device does. An emulator
-            // that fell behind (paused, busy) starts the clock afresh.
-            auto due = static_cast<uint64_t>((now - start) / kUnitTime) + kQueueUnits;
-            if (taken + kQueueUnits < due) {
-                start = now - taken * kUnitTime;
-                due = taken + kQueueUnits;
-            }
-            if (!asked && SDL_GetQueuedAudioSize(dev) < kQueueUnits * kAudioUnitBytes &&
-                taken < due) {
-                link.Ask();
-                asked = true;
-            }
-        }
+        if (player.Step(Clock::now(), unit)) wav.Add(unit, sizeof unit);
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
     wav.Close();
-    if (stats && taken > 0)
-        std::fprintf(stderr, "sndpipe: %llu units taken, %.1f ms queued ahead of each on average\n",
-                     static_cast<unsigned long long>(taken),
-                     double(queuedAtTake) / double(taken) / (2.0 * kAudioSampleRate) * 1000.0);
+    if (stats) std::fprintf(stderr, "sndpipe: %s", player.Stats().Report().c_str());
     if (dev) SDL_CloseAudioDevice(dev);
     SDL_Quit();
     return 0;

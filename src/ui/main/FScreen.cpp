@@ -96,12 +96,18 @@ void FScreen::keyPressEvent(QKeyEvent* e) {
     if (e->isAutoRepeat()) return;
     const int vk = VirtualKey(*e);
     if (vk == 27) return Leave();
-    screen_.PicdKeyDown(vk, ShiftState(*e));
+    screen_.PicdKeyDown(screen_.PicD->Held().Press(PhysicalKey(*e), vk), ShiftState(*e));
 }
 
 void FScreen::keyReleaseEvent(QKeyEvent* e) {
     if (e->isAutoRepeat() || !isVisible()) return;
-    screen_.PicdKeyUp(VirtualKey(*e), ShiftState(*e));
+    if (const int vk = screen_.PicD->Held().Release(PhysicalKey(*e)))
+        screen_.PicdKeyUp(vk, ShiftState(*e));
+}
+
+void FScreen::focusOutEvent(QFocusEvent*) {
+    screen_.PicD->Held().Clear();
+    screen_.ClearKeys();
 }
 
 // The pointer over FPic1, scaled to the picture box of the main window.

@@ -31,6 +31,7 @@ class FScreen : public QWidget {
   protected:
     void keyPressEvent(QKeyEvent*) override;
     void keyReleaseEvent(QKeyEvent*) override;
+    void focusOutEvent(QFocusEvent*) override; // every key up, as in the picture box
     bool eventFilter(QObject*, QEvent*) override;
 
   private:

@@ -69,7 +69,7 @@ void QtHost::Beep(int, int milliseconds) {
 void QtHost::Sleep(int milliseconds) {
     if (audio && window_) {
         SoundFX& sound = window_->machine().sound;
-        audio->ServeWait(sound.MMDemo, sound.MMDemo2);
+        audio->ServeWait(sound.MMDemo, sound.MMDemo2, sound.Deliveries);
     }
     QThread::msleep(static_cast<unsigned long>(milliseconds));
 }

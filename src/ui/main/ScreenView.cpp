@@ -53,22 +53,25 @@ void ScreenView::paintEvent(QPaintEvent*) {
 
 void ScreenView::keyPressEvent(QKeyEvent* e) {
     if (e->isAutoRepeat()) return; // the key is down already
-    emit KeyDown(VirtualKey(*e), ShiftState(*e));
+    emit KeyDown(held_.Press(PhysicalKey(*e), VirtualKey(*e)), ShiftState(*e));
 }
 
 void ScreenView::keyReleaseEvent(QKeyEvent* e) {
     if (e->isAutoRepeat()) return;
-    emit KeyUp(VirtualKey(*e), ShiftState(*e));
+    if (const int vk = held_.Release(PhysicalKey(*e))) emit KeyUp(vk, ShiftState(*e));
 }
 
 void ScreenView::focusInEvent(QFocusEvent*) {
+    held_.Clear();
     emit AllKeysUp();
 }
 void ScreenView::focusOutEvent(QFocusEvent*) {
+    held_.Clear();
     emit AllKeysUp();
 }
 
 void ScreenView::mousePressEvent(QMouseEvent*) {
+    held_.Clear();
     emit AllKeysUp();
     setFocus();
 }

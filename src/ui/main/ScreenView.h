@@ -6,6 +6,8 @@
 #include <QImage>
 #include <QWidget>
 
+#include "ui/main/KeyMap.h"
+
 namespace tvc {
 class Machine;
 }
@@ -26,6 +28,9 @@ class ScreenView : public QWidget {
     // A widget position as a pixel of the picture (may lie outside it).
     QPointF ToPicture(QPointF widgetPos) const;
 
+    // What each held key's press gave; the full-screen view shares it.
+    HeldKeys& Held() { return held_; }
+
   signals:
     void KeyDown(int keycode, int shift);
     void KeyUp(int keycode, int shift);
@@ -45,6 +50,7 @@ class ScreenView : public QWidget {
   private:
     Machine& m_;
     QImage picture_;
+    HeldKeys held_;
 };
 
 } // namespace tvc::ui

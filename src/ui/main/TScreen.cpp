@@ -15,6 +15,7 @@
 #include <QVBoxLayout>
 
 #include "core/Machine.h"
+#include "core/Numbers.h"
 #include "core/RunLoop.h"
 #include "hw/Keyboard.h"
 #include "hw/MachineSetup.h"
@@ -413,11 +414,14 @@ void TScreen::PicdKeyUp(int keycode, int shift) {
 
 void TScreen::PumpKeys() {
     if (keys_.Empty()) return;
-    for (KeyCommand c : keys_.Pump(m_)) Handle(c == KeyCommand::Reset ? "xReset" : "xReset2");
+    for (KeyCommand c : keys_.Pump(m_))
+        Handle(c == KeyCommand::Reset ? "xReset" : "xReset2");
     tools->ShowKeyCode(m_.forms.TTools.Label2);
 }
 
-void TScreen::ClearKeys() { keys_.Clear(m_); }
+void TScreen::ClearKeys() {
+    keys_.Clear(m_);
+}
 
 void TScreen::Command1Click() {
     cpumon->Command1_Click();
@@ -432,8 +436,10 @@ void TScreen::SetStatus(StatusField field, const QString& text) {
     if (field == StatusField::Text1) Text1->setText(text);
 }
 
+// The width comes in the form's units, twips: 15 to a pixel at 96 dpi.
 void TScreen::SetLoadBar(int width) {
-    Shape4->resize(std::clamp(width, 0, 200), Shape4->height());
+    const int pixels = static_cast<int>(RoundHalfEven(width / double(kTwipsPerPixel)));
+    Shape4->resize(std::clamp(pixels, 0, 200), Shape4->height());
 }
 
 void TScreen::RefreshPortLog() {

@@ -60,7 +60,9 @@ class TScreen : public QMainWindow {
 
     // Host callbacks.
     void SetStatus(StatusField field, const QString& text);
+    // Shape4 of the status panel; the width is in twips.
     void SetLoadBar(int width);
+    static constexpr int kTwipsPerPixel = 15;
     void RefreshPortLog();
     void PictureReady();
 

@@ -1,0 +1,186 @@
+// The player's pace and the emulator's stand-in on a clock the test turns:
+// a device that drains at its own rate, an emulator that answers at once,
+// and a player that stops answering.
+#include <gtest/gtest.h>
+
+#include <signal.h>
+#include <sys/wait.h>
+
+#include <algorithm>
+#include <cmath>
+
+#include "links/AudioCompanion.h"
+#include "links/AudioPlayer.h"
+#include "support/TestMachine.h"
+
+namespace tvc::test {
+namespace {
+
+using namespace std::chrono_literals;
+using std::chrono::milliseconds;
+
+// Takes what it plays in periods of `chunk` bytes, as SDL's callback does,
+// at `rate` times the nominal speed.
+struct FakeDevice final : PlayerDevice {
+    double rate = 1.0, owed = 0;
+    uint32_t queued = 0, chunk = 1024;
+    uint64_t played = 0;
+    uint32_t QueuedBytes() override { return queued; }
+    uint32_t PeriodBytes() override { return chunk; }
+    void Queue(const uint8_t*, uint32_t size) override { queued += size; }
+    void Clear() override { queued = 0; }
+    void Advance(milliseconds dt) {
+        owed += rate * kAudioBytesPerSecond * dt.count() / 1000.0;
+        while (owed >= chunk) {
+            owed -= chunk;
+            const uint32_t take = std::min(queued, chunk);
+            queued -= take;
+            played += take;
+        }
+    }
+};
+
+struct Maps : ::testing::Test {
+    MMapper samples, handshake;
+    uint32_t deliveries = 0;
+    void SetUp() override {
+        TagSharedMemory("pace");
+        ASSERT_TRUE(samples.CreateMap(kSampleMapName, kAudioUnitBytes));
+        ASSERT_TRUE(handshake.CreateMap(kHandshakeMapName, 1));
+    }
+    uint8_t Byte() {
+        uint8_t b = 0;
+        handshake.ReadMap(&b, 1);
+        return b;
+    }
+    void Set(uint8_t b) { handshake.WriteMap(&b, 1); }
+    // The emulator: a request is answered at once.
+    void Answer() {
+        if (Byte() != kHandshakeAsk) return;
+        Set(kHandshakeDelivered);
+        ++deliveries;
+    }
+};
+
+// A minute of play against devices with fast, slow and true clocks: the
+// player follows the device, never lets it run dry, and keeps each unit's
+// latency within the unit, the margin and one poll.
+TEST_F(Maps, PaceFollowsTheDevice) {
+    const double marginMs = std::chrono::duration<double, std::milli>(kAskMargin).count();
+    for (double rate : {1.0, 1.05, 0.95}) {
+        AudioConsumer link;
+        ASSERT_TRUE(link.Open());
+        FakeDevice device;
+        device.rate = rate;
+        AudioPlayer player(link, &device);
+        uint8_t unit[kAudioUnitBytes];
+        AudioClock::time_point now{};
+        uint32_t maxQueued = 0;
+        const uint64_t firstDelivery = deliveries;
+        for (int ms = 0; ms < 60000; ++ms) {
+            player.Step(now, unit);
+            Answer();
+            maxQueued = std::max(maxQueued, device.queued);
+            device.Advance(1ms);
+            now += 1ms;
+        }
+        const PlayerStats& st = player.Stats();
+        EXPECT_EQ(st.underruns, 0u) << rate;
+        const double periodMs = BytesToMs(device.chunk);
+        EXPECT_LT(st.queueMaxMs, marginMs + periodMs) << rate;
+        EXPECT_GE(st.queueMinMs, marginMs - 1.0) << rate; // the device took a period
+        EXPECT_LE(BytesToMs(maxQueued), marginMs + periodMs + 100.0) << rate;
+        EXPECT_LE(st.latencyMaxMs, 100.0 + marginMs + periodMs + 1.0) << rate;
+        // No drift: every unit taken was played but what is still queued.
+        const uint64_t taken = st.units;
+        EXPECT_LE(deliveries - firstDelivery - taken, 1u) << rate; // the last one may wait
+        EXPECT_NEAR(double(taken), 600.0 * rate, 2.0) << rate;
+        EXPECT_EQ(device.played + device.queued, taken * kAudioUnitBytes) << rate;
+        Set(kHandshakeIdle);
+    }
+}
+
+// An emulator that falls silent for longer than the queue lasts leaves the
+// device dry once; a device that stops taking sound is dropped after a second.
+// Without a device the wall clock paces.
+TEST_F(Maps, UnderrunsAndStallsAreCounted) {
+    AudioConsumer link;
+    ASSERT_TRUE(link.Open());
+    FakeDevice device;
+    AudioPlayer player(link, &device);
+    uint8_t unit[kAudioUnitBytes];
+    AudioClock::time_point now{};
+    for (int ms = 0; ms < 4500; ++ms) {
+        const bool emulatorPaused = ms >= 1000 && ms < 1500;
+        const bool deviceStuck = ms >= 3000;
+        player.Step(now, unit);
+        if (!emulatorPaused) Answer();
+        if (!deviceStuck) device.Advance(1ms);
+        now += 1ms;
+    }
+    EXPECT_EQ(player.Stats().underruns, 1u);
+    EXPECT_EQ(player.Stats().stalls, 1u);
+
+    // Without a device the wall clock paces: one unit per 100 ms.
+    AudioPlayer silent(link, nullptr);
+    for (int ms = 0; ms < 10000; ++ms, now += 1ms) {
+        silent.Step(now, unit);
+        Answer();
+    }
+    EXPECT_NEAR(double(silent.Stats().units), 100.0, 1.0);
+}
+
+// A player that is alive but does not ask: the stand-in takes over after
+// kPlayerSilence, asks on its own beat, and hands back when the player asks.
+TEST_F(Maps, StandInCoversAStoppedPlayerAndHandsBack) {
+    AudioCompanion companion;
+    ASSERT_TRUE(companion.Start("/bin/sleep", {"60"}));
+    AudioCompanion::Clock::time_point t{};
+    const auto serve = [&](milliseconds at) {
+        companion.ServeWait(samples, handshake, deliveries, t + at);
+    };
+    Set(kHandshakeDelivered);
+    serve(0ms);
+    serve(kPlayerSilence - 1ms);
+    EXPECT_FALSE(companion.StandingIn());
+    EXPECT_EQ(Byte(), kHandshakeDelivered);
+    serve(kPlayerSilence);
+    EXPECT_TRUE(companion.StandingIn());
+    EXPECT_EQ(Byte(), kHandshakeAsk);
+    Answer();
+    serve(kPlayerSilence + 1ms); // takes the unit
+    serve(kPlayerSilence + 99ms);
+    EXPECT_EQ(Byte(), kHandshakeDelivered);
+    serve(kPlayerSilence + 100ms); // its beat
+    EXPECT_EQ(Byte(), kHandshakeAsk);
+    Answer();
+    serve(kPlayerSilence + 101ms);
+    Set(kHandshakeAsk); // the player is back
+    serve(kPlayerSilence + 102ms);
+    EXPECT_FALSE(companion.StandingIn());
+    Answer();
+    serve(kPlayerSilence + 103ms);
+    serve(2 * kPlayerSilence + 101ms);
+    EXPECT_FALSE(companion.StandingIn());
+    EXPECT_EQ(Byte(), kHandshakeDelivered);
+
+    // Closing: every wait is answered at once.
+    AudioCompanion::ReleaseWaits();
+    serve(2 * kPlayerSilence + 102ms);
+    AudioCompanion::ReleaseWaits(false);
+    EXPECT_EQ(Byte(), kHandshakeAsk);
+}
+
+// A stopped player is ended all the same.
+TEST(AudioCompanionStop, EndsAStoppedPlayer) {
+    AudioCompanion companion;
+    ASSERT_TRUE(companion.Start("/bin/sleep", {"60"}));
+    const pid_t pid = companion.Pid();
+    ASSERT_EQ(kill(pid, SIGSTOP), 0);
+    companion.Stop();
+    EXPECT_FALSE(companion.Alive());
+    EXPECT_NE(kill(pid, 0), 0); // reaped, not a zombie
+}
+
+} // namespace
+} // namespace tvc::test

@@ -102,6 +102,19 @@ int main(int argc, char** argv) {
     if (!player.Start(playerPath, playerArgs))
         host.MessageBox("SNDpipe open error!", "LUMEKTVC", tvc::MsgKind::Plain);
 
+    // The serial link: the record, then a bridge unless one already serves.
+    if (!tvc::SerialOpen(*machine)) {
+        const tvc::MapError& err = machine->serial.map.LastError();
+        host.MessageBox(err.Description, err.Source, tvc::MsgKind::Critical);
+    } else if (!tvc::SerialBridge::Serving()) {
+        const std::string bridgePath = QCoreApplication::applicationDirPath().toStdString() + "/" +
+                                       tvc::kSerialBridgeName;
+        if (!machine->serial.bridge.Start(bridgePath,
+                                          {"--link", "serial.pty", "--exit-with-parent"}))
+            host.MessageBox(std::string("Not Found : ") + tvc::kSerialBridgeName, "LUMEKTVC",
+                            tvc::MsgKind::Plain);
+    }
+
     // From here the program lives in the run loop, entered as the CPU
     // monitor's Run button enters it.
     window.cpumon->Command1_Click();
@@ -109,5 +122,6 @@ int main(int argc, char** argv) {
     host.SetWindow(nullptr);
     host.audio = nullptr;
     machine->sound.MMDemo2.CloseMap();
+    tvc::SerialClose(*machine);
     return 0;
 }

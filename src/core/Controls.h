@@ -9,6 +9,7 @@
 #include "sound/ChipControls.h"
 #include "media/MediaControls.h"
 #include "asm/AsseState.h"
+#include "links/SerialPort.h"
 
 namespace tvc {
 
@@ -67,6 +68,7 @@ struct Controls {
     T8910Controls T8910;
     MediaControls Media;
     AsseControls asse;
+    TSerialControls TSerial;
 };
 
 } // namespace tvc

@@ -93,6 +93,10 @@ int32_t MonitorFontCode(int32_t code) {
     return '.';
 }
 
+char32_t Cp852Char(uint8_t code) {
+    return code < 0x80 ? char32_t(code) : char32_t(kCp852[code - 0x80]);
+}
+
 std::string MonitorChar(int32_t code) {
     const int32_t font = MonitorFontCode(code);
     std::string out;

@@ -44,6 +44,8 @@ std::string ClampDumpStart(std::string_view text);
 std::string MonitorChar(int32_t code);
 // The font code (code page 852) a byte is drawn with; '.' where it has none.
 int32_t MonitorFontCode(int32_t code);
+// The Unicode character of a code page 852 byte.
+char32_t Cp852Char(uint8_t code);
 
 // Eight rows of sixteen bytes from `start` through MemRead (addresses past
 // 0xFFFF read 0xFFFF), each "AAAAA: " and the bytes and the character

@@ -2,12 +2,19 @@
 // yield to, and a fatal stop is remembered for the exit status.
 #pragma once
 
+#include <functional>
+
 #include "core/Host.h"
 
 namespace tvc::headless {
 
 class HeadlessHost final : public Host {
   public:
+    // Run at each yield point of the run loop, when set.
+    std::function<void()> onYield;
+    void DoEvents() override {
+        if (onYield) onYield();
+    }
     void MessageBox(std::string_view text, std::string_view title, MsgKind kind) override;
     void Fatal(std::string_view text, std::string_view title) override;
 };

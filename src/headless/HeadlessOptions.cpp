@@ -76,6 +76,20 @@ Output, after the run:
                          floppy controller's registers and drives and the disk's
                          boot record, as a JSON object
   --dump-fdc-log FILE|-  the floppy command log, its title and one line an entry
+  --serial-out FILE      every byte the program wrote to the serial port (0x20)
+  --printer-out FILE     the printer's text as printed (upper codes translated
+                         to code page 852, codes from 160 as '.')
+Links:
+  --serial-in FILE       put the file's bytes into the serial card's receive
+                         queue before the run (read through port 0x20)
+  --serial-bridge [LINK] start the serial bridge LUMEKserial for the run, its
+                         pty linked as LINK (default serial.pty), and serve
+                         the serial link once a frame
+  --errorsim video=0|1,option=N,bits=B,banks=XXXX
+                         the error simulator's controls, each part optional:
+                         video fault enabled, option 0 bit=0, 1 bit=1,
+                         2 bit=Random, the bits hit (0..255), and four 0/1
+                         for the banks 0000, 4000, 8000, C000 filled with 0xAA
   --help                 this text
 
 Numbers are decimal or 0x hexadecimal.
@@ -138,11 +152,40 @@ constexpr std::string_view kValueOptions[] = {
     "--cas-range", "--save-snap", "--save-mex", "--control", "--asm", "--asm-after",
     "--asm-listing", "--asm-symbols", "--disk", "--dump-hw", "--dump-fdc-log",
 };
+constexpr std::string_view kLinkValueOptions[] = {"--serial-in", "--serial-out", "--printer-out",
+                                                  "--errorsim"};
 
 bool KnownMenuItem(const std::string& name) {
     for (const MenuItem& item : kMenuItems)
         if (name == item.name) return true;
     return false;
+}
+
+std::optional<ErrorSimSetting> ParseErrorSim(const std::string& text) {
+    ErrorSimSetting e;
+    size_t at = 0;
+    while (at <= text.size()) {
+        size_t end = text.find(',', at);
+        if (end == std::string::npos) end = text.size();
+        std::string key, value;
+        if (!SplitPair(text.substr(at, end - at), '=', key, value)) return std::nullopt;
+        if (key == "video" && (value == "0" || value == "1")) {
+            e.video = value == "1";
+        } else if (key == "option") {
+            if (!(e.option = InRange(value, 0, 2))) return std::nullopt;
+        } else if (key == "bits") {
+            auto v = InRange(value, 0, 255);
+            if (!v) return std::nullopt;
+            e.bits = static_cast<uint8_t>(*v);
+        } else if (key == "banks" && value.size() == 4 &&
+                   value.find_first_not_of("01") == std::string::npos) {
+            e.banks = value;
+        } else {
+            return std::nullopt;
+        }
+        at = end + 1;
+    }
+    return e;
 }
 
 } // namespace
@@ -164,11 +207,23 @@ std::optional<Options> ParseOptions(const std::vector<std::string>& args, std::s
             continue;
         }
         if (a.rfind("--", 0) != 0) return fail("unexpected argument '" + a + "'");
+        if (a == "--serial-bridge" || a.rfind("--serial-bridge=", 0) == 0) {
+            // The link is optional: a following option is not taken for it.
+            o.serialBridge = "serial.pty";
+            if (a.size() > 16)
+                o.serialBridge = a.substr(16);
+            else if (i + 1 < args.size() && args[i + 1].rfind("--", 0) != 0)
+                o.serialBridge = args[++i];
+            if (o.serialBridge->empty()) return fail("--serial-bridge takes a link name");
+            continue;
+        }
         std::string name = a, value;
         const size_t eq = a.find('=');
         if (eq != std::string::npos) name = a.substr(0, eq); // --opt=value as well as --opt value
         if (std::find(std::begin(kValueOptions), std::end(kValueOptions), name) ==
-            std::end(kValueOptions))
+                std::end(kValueOptions) &&
+            std::find(std::begin(kLinkValueOptions), std::end(kLinkValueOptions), name) ==
+                std::end(kLinkValueOptions))
             return fail("unknown option " + name);
         if (eq != std::string::npos) {
             value = a.substr(eq + 1);
@@ -261,6 +316,17 @@ std::optional<Options> ParseOptions(const std::vector<std::string>& args, std::s
                 !(lines = InRange(r, 1, 65536)))
                 return fail("--disasm takes ADDR:LINES, not '" + value + "'");
             o.disasm = std::make_pair(*ad, *lines);
+        } else if (name == "--serial-in") {
+            o.serialIn = value;
+        } else if (name == "--serial-out") {
+            o.serialOut = value;
+        } else if (name == "--printer-out") {
+            o.printerOut = value;
+        } else if (name == "--errorsim") {
+            if (!(o.errorsim = ParseErrorSim(value)))
+                return fail("--errorsim takes video=0|1,option=0..2,bits=0..255,banks=XXXX (0/1), "
+                            "not '" +
+                            value + "'");
         } else if (name == "--dump-regs") {
             o.dumpRegs = value;
         } else if (name == "--disk" || name == "--dump-hw" || name == "--dump-fdc-log") {

@@ -15,6 +15,14 @@ struct MemDump {
     std::string file;
 };
 
+// --errorsim: the error simulator's controls; unset fields keep the form's defaults.
+struct ErrorSimSetting {
+    std::optional<bool> video;
+    std::optional<int32_t> option;
+    std::optional<uint8_t> bits;
+    std::optional<std::string> banks; // four 0/1 characters, Check2..Check5
+};
+
 struct Options {
     std::string dir;
     std::vector<std::pair<std::string, bool>> sets;    // menu check marks
@@ -45,6 +53,11 @@ struct Options {
     std::optional<std::string> disk;                   // disk image, loaded after "default.dsk"
     std::optional<std::string> dumpHw;                 // the hardware monitor's fields as JSON
     std::optional<std::string> dumpFdcLog;             // the floppy command log, a line an entry
+    std::optional<std::string> serialIn;               // bytes put into SerialRx before the run
+    std::optional<std::string> serialOut;              // every byte written to port 0x20
+    std::optional<std::string> serialBridge;           // link of the bridge started for the run
+    std::optional<std::string> printerOut;             // the printer's bytes
+    std::optional<ErrorSimSetting> errorsim;
     bool help = false;
 };
 

@@ -26,6 +26,7 @@
 #include "headless/PngWriter.h"
 #include "hw/KeyQueue.h"
 #include "hw/MachineSetup.h"
+#include "links/SerialPort.h"
 #include "hw/Memory.h"
 #include "media/MediaFiles.h"
 #include "media/Tape.h"
@@ -173,6 +174,46 @@ void Run(Machine& m, const Options& o, KeyQueue* keys) {
     LeaveRunLoop(m);
 }
 
+void ApplyErrorSim(Machine& m, const ErrorSimSetting& e) {
+    if (e.video) m.bus.VideoErrorEnabled = *e.video ? 1 : 0;
+    if (e.option) m.forms.ErrorSim.Option1 = *e.option;
+    if (e.bits) m.forms.ErrorSim.ErrorBits = *e.bits;
+    if (e.banks) {
+        bool* boxes[4] = {&m.forms.ErrorSim.Check2, &m.forms.ErrorSim.Check3,
+                          &m.forms.ErrorSim.Check4, &m.forms.ErrorSim.Check5};
+        for (int i = 0; i < 4; ++i)
+            *boxes[i] = (*e.banks)[i] == '1';
+    }
+}
+
+// The bridge program: beside this one, or in the build's bin/ folder.
+std::string BridgeProgram() {
+    char self[4096];
+    const ssize_t n = readlink("/proc/self/exe", self, sizeof self - 1);
+    if (n > 0) {
+        std::string beside = std::string(self, static_cast<size_t>(n));
+        beside = beside.substr(0, beside.rfind('/') + 1) + kSerialBridgeName;
+        if (access(beside.c_str(), X_OK) == 0) return beside;
+    }
+    return std::string(TVC_BIN_DIR) + "/" + kSerialBridgeName;
+}
+
+// Starts the serial link for the run: the record, a bridge unless one
+// serves already, and the pump once a frame.
+bool StartSerialBridge(Machine& m, HeadlessHost& host, const std::string& link) {
+    if (!SerialOpen(m)) {
+        std::cerr << "tvc-headless: " << m.serial.map.LastError().Description << '\n';
+        return false;
+    }
+    if (!SerialBridge::Serving() &&
+        !m.serial.bridge.Start(BridgeProgram(), {"--link", link, "--exit-with-parent"}))
+        std::cerr << "tvc-headless: Not Found : " << kSerialBridgeName << '\n';
+    host.onYield = [&m, yields = 0]() mutable {
+        if (++yields % 2 == 0) SerialPump(m);
+    };
+    return true;
+}
+
 int Main(const std::vector<std::string>& args) {
     std::string error;
     auto parsed = ParseOptions(args, error);
@@ -248,6 +289,21 @@ int Main(const std::vector<std::string>& args) {
         *it->value = value;
     }
 
+    if (o.errorsim) ApplyErrorSim(m, *o.errorsim);
+    if (o.serialIn) {
+        std::ifstream in(*o.serialIn, std::ios::binary);
+        if (!in) {
+            std::cerr << "tvc-headless: cannot read " << *o.serialIn << '\n';
+            return kExitIo;
+        }
+        m.serial.SerialRx.assign(std::istreambuf_iterator<char>(in),
+                                 std::istreambuf_iterator<char>());
+    }
+    std::string serialOut, printerOut;
+    if (o.serialOut) m.serial.OutTap = &serialOut;
+    if (o.printerOut) m.printer.Tap = &printerOut;
+    if (o.serialBridge && !StartSerialBridge(m, host, *o.serialBridge)) return kExitIo;
+
     WavRecorder audio;
     if (o.audio) {
         if (!audio.Open(*o.audio)) {
@@ -284,6 +340,16 @@ int Main(const std::vector<std::string>& args) {
     }
     if (o.saveSnap && !SaveSnapshot(m, *o.saveSnap, "")) return kExitIo;
     if (o.saveMex && !SaveMex4(m, *o.saveMex)) return kExitIo;
+    host.onYield = nullptr;
+    SerialClose(m);
+    m.serial.OutTap = nullptr;
+    m.printer.Tap = nullptr;
+    for (const auto& [file, data] :
+         {std::pair{o.serialOut, &serialOut}, {o.printerOut, &printerOut}})
+        if (file && !WriteOut(*file, *data)) {
+            std::cerr << "tvc-headless: cannot write " << *file << '\n';
+            return kExitIo;
+        }
 
     if (o.dumpRegs && !WriteOut(*o.dumpRegs, RegsJson(m))) {
         std::cerr << "tvc-headless: cannot write " << *o.dumpRegs << '\n';

@@ -187,6 +187,14 @@ bool MMapper::WriteMap(const void* src, int32_t size) {
     return true;
 }
 
+bool MMapper::WriteMapAt(int32_t offset, const void* src, int32_t size) {
+    if (offset < 0 || size < 0 || int64_t(offset) + size > size_)
+        return Fail("Size must not exceed mapped size");
+    if (!open_) return Fail("WriteMap: Map not open");
+    if (size > 0) std::memcpy(view_ + offset, src, static_cast<size_t>(size));
+    return true;
+}
+
 void MMapper::CloseMap() {
     if (!created_.empty()) {
         // Unlink only our own object: another creator may have replaced it.

@@ -41,6 +41,9 @@ class MMapper {
     bool OpenMap(const std::string& name, int32_t size);
     bool ReadMap(void* dest, int32_t size);
     bool WriteMap(const void* src, int32_t size);
+    // Copies size bytes from src into the map from offset on, so that a side
+    // can write back only the fields it owns.
+    bool WriteMapAt(int32_t offset, const void* src, int32_t size);
     void CloseMap();
 
     bool IsOpen() const { return open_; }

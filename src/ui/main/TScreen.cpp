@@ -26,6 +26,9 @@
 #include "ui/main/ScreenView.h"
 #include "ui/main/TTools.h"
 #include "ui/media/TTape.h"
+#include "ui/links/ErrorSim.h"
+#include "ui/links/TPrint.h"
+#include "ui/links/TSerial.h"
 #include "ui/monitors/CPUmon.h"
 #include "ui/monitors/TVCmon.h"
 #include "video/Screen.h"
@@ -60,6 +63,9 @@ TScreen::TScreen(Machine& m) : m_(m) {
     cpumon = new CPUmon(*this);
     tvcmon = new TVCmon(m_);
     tvcmon->setParent(this, Qt::Window);
+    serial = new TSerial(m_, this);
+    printer = new TPrint(m_, this);
+    errorSim = new ErrorSim(m_, this);
     // The drawing area keeps its size in pixels; menu and status panel come on top.
     resize(tvc::kWindowWidth,
            tvc::kWindowHeight + menuBar()->sizeHint().height() + Frame3->sizeHint().height());
@@ -334,8 +340,16 @@ void TScreen::Handle(const std::string& name) {
         if (!xMemDump(m_)) ReportFileError(m_, "ramdump.bin");
         return;
     }
-    // Windows of later subsystems (hardware monitor, panels, workbench, tape,
-    // printer, serial, error simulator): not here yet.
+    for (auto [item, form] : {std::pair<const char*, QWidget*>{"xPrinter", printer},
+                              {"xSerial", serial},
+                              {"xErrorSim", errorSim}})
+        if (name == item) {
+            form->show();
+            form->raise();
+            return;
+        }
+    // Windows of later subsystems (hardware monitor, panels, workbench,
+    // tape): not here yet.
 }
 
 void TScreen::PowerCycle() {
@@ -483,6 +497,10 @@ void TScreen::closeEvent(QCloseEvent* e) {
     tapeDeck->hide();
     cpumon->hide();
     tvcmon->hide();
+    serial->hide();
+    printer->hide();
+    errorSim->hide();
+    SerialClose(m_);
     e->accept();
     QCoreApplication::quit();
 }

@@ -27,6 +27,9 @@ namespace tvc::ui {
 
 class CPUmon;
 class TVCmon;
+class ErrorSim;
+class TPrint;
+class TSerial;
 class FScreen;
 class ScreenView;
 class TTools;
@@ -88,6 +91,9 @@ class TScreen : public QMainWindow {
     FScreen* fullScreen = nullptr;
     CPUmon* cpumon = nullptr;
     TVCmon* tvcmon = nullptr;
+    TSerial* serial = nullptr;
+    TPrint* printer = nullptr;
+    ErrorSim* errorSim = nullptr;
 
   protected:
     void closeEvent(QCloseEvent*) override;

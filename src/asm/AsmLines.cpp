@@ -483,6 +483,7 @@ int32_t PassLine(Machine& m, std::string line, const std::string& raw, int pass)
         const int32_t v = Number(operand);
         if (v < 0 || v > 255) Fail();
         m.bus.PortLatch[2] = static_cast<uint8_t>(v);
+        MemoryMapChanged(m);
         return 0;
     }
     if (Starts(line, "DB ")) return Db(m, line, raw, pass);

@@ -7,6 +7,7 @@
 #include "asm/AsmText.h"
 #include "asm/TextLib.h"
 #include "core/Machine.h"
+#include "hw/Memory.h"
 #include "core/RunLoop.h"
 #include "hw/MachineSetup.h"
 
@@ -172,9 +173,11 @@ namespace asse {
 int32_t Command1_Click(Machine& m) {
     const uint8_t saved = m.bus.PortLatch[2];
     m.bus.PortLatch[2] = 0xB0;
+    MemoryMapChanged(m);
     m.forms.asse.Frame2Visible = false;
     const int32_t r = Compile(m);
     m.bus.PortLatch[2] = saved;
+    MemoryMapChanged(m);
     return r;
 }
 

@@ -94,7 +94,7 @@ class TVCmonTest : public QObject {
         QCOMPARE(f.mon->List4->count(), 1);
         PortIn(*f.m, 0x14);
         f.mon->redraw();
-        QCOMPARE(f.mon->List4->item(1)->text(), QString("Read HW status REG:00"));
+        QCOMPARE(f.mon->List4->item(1)->text(), QString("Read HW status REG:80"));
     }
 
     void updatesWhileAProgramRuns() {

@@ -13,6 +13,7 @@
 #include "core/HwMonitor.h"
 #include "core/Machine.h"
 #include "core/RunLoop.h"
+#include "hw/Memory.h"
 #include "hw/Ports.h"
 
 using namespace tvc;
@@ -24,9 +25,14 @@ using Clock = std::chrono::steady_clock;
 std::unique_ptr<Machine> MakeMachine(Host& host) {
     auto m = std::make_unique<Machine>(host);
     m->menu.xS6 = true;
+    // Memory and latches as after reset, without ROM files; the page table
+    // must follow the paging latch or the CPU fetches from nothing.
     m->cpu.Z80Init();
     m->bus.PortLatch[0x59] = 191;
+    m->bus.PortLatch[5] = 255;
+    m->crtc.CrtcReg[10] = 32;
     m->bus.PortLatch[2] = 0xB0; // RAM everywhere
+    MemoryMapChanged(*m);
     m->disk.DiskData.assign(size_t(0x5A000) * kFdcDrives, 0xA5);
     return m;
 }
@@ -41,12 +47,18 @@ double NanosPerRead(int reads) {
     return std::chrono::duration<double, std::nano>(Clock::now() - start).count() / reads;
 }
 
-// LD HL,0x8000; LD BC,port; INIR; INIR; JP 0 — 512 reads a round.
+// 512 reads a round into RAM from 0x8000; the core leaves INIR out, so the
+// loop is spelt with IN A,(C) and DJNZ:
+//   LD HL,0x8000; LD C,port; LD D,2
+//   outer: LD B,0
+//   inner: IN A,(C); LD (HL),A; INC HL; DJNZ inner
+//   DEC D; JR NZ,outer; JP 0
 double LoopMHz(uint8_t port, int frames) {
     NullHost host;
     auto m = MakeMachine(host);
-    const std::vector<uint8_t> program = {0x21, 0x00, 0x80, 0x01, port, 0x00, 0xED,
-                                          0xB2, 0xED, 0xB2, 0xC3, 0x00, 0x00};
+    const std::vector<uint8_t> program = {0x21, 0x00, 0x80, 0x0E, port, 0x16, 0x02,
+                                          0x06, 0x00, 0xED, 0x78, 0x77, 0x23, 0x10,
+                                          0xFA, 0x15, 0x20, 0xF5, 0xC3, 0x00, 0x00};
     std::copy(program.begin(), program.end(), m->bus.Mem.begin());
     m->run.RunFlag = 1;
     const uint64_t end = m->run.FrameCount + uint64_t(frames);
@@ -56,6 +68,10 @@ double LoopMHz(uint8_t port, int frames) {
         if (port != 0x13) m->forms.TScreen.List1.clear(); // keep the unknown-port log small
     }
     const double secs = std::chrono::duration<double>(Clock::now() - start).count();
+    // Proof that the loop ran: the controller's log counts every read.
+    if (port == 0x13 && m->fdc.List4.added() < uint64_t(frames))
+        std::printf("the read loop did not run (%llu log records)\n",
+                    static_cast<unsigned long long>(m->fdc.List4.added()));
     return double(frames) * kFrameT / secs / 1e6;
 }
 
@@ -79,7 +95,7 @@ int main(int argc, char** argv) {
     const int frames = argc > 2 ? std::atoi(argv[2]) : 500;
     const int redraws = argc > 3 ? std::atoi(argv[3]) : 2000;
     std::printf("port 0x13 read with its log record: %8.1f ns\n", NanosPerRead(reads));
-    std::printf("512-byte INIR loop, %d frames at Max pace: port 0x13 %6.1f MHz, "
+    std::printf("512-byte read loop, %d frames at Max pace: port 0x13 %6.1f MHz, "
                 "port 0x15 (no device) %6.1f MHz\n",
                 frames, LoopMHz(0x13, frames), LoopMHz(0x15, frames));
     std::printf("hardware monitor fields and plots: %8.1f us a redraw\n", MicrosPerRedraw(redraws));

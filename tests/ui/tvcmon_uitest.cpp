@@ -1,12 +1,13 @@
 // The hardware monitor under the offscreen platform: opened from the View
-// menu, its boxes bound to the fields the emulation reads, Clear, and its
-// timer following a running program.
+// menu, its boxes bound (Record is the tape's record switch) to the fields the emulation reads,
+// Clear, and its timer following a running program.
 #include <QCheckBox>
 #include <QLabel>
 #include <QListWidget>
 #include <QPushButton>
 #include <QTimer>
 #include <QtTest>
+#include <filesystem>
 
 #include "core/HwMonitor.h"
 #include "core/RunLoop.h"
@@ -75,10 +76,15 @@ class TVCmonTest : public QObject {
         QVERIFY(f.mon->Check3->isChecked());
         f.mon->Check3->click();
         QVERIFY(!f.m->forms.TVCmon.Check3);
+        QVERIFY(!std::filesystem::exists(f.dir.path() / "save.wav"));
         f.mon->Check1->click();
         QVERIFY(f.m->forms.TVCmon.Check1);
+        QVERIFY(f.m->tape.Out != nullptr);
         f.mon->Check1->click();
         QVERIFY(!f.m->forms.TVCmon.Check1);
+        QVERIFY(f.m->tape.Out == nullptr);
+        // A finished wave file: at least its 44-byte header.
+        QVERIFY(std::filesystem::file_size(f.dir.path() / "save.wav") >= 44);
     }
 
     void clearEmptiesTheLog() {

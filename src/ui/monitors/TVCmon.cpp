@@ -16,6 +16,7 @@
 
 #include "core/HwMonitor.h"
 #include "core/Machine.h"
+#include "media/Tape.h"
 
 namespace tvc::ui {
 
@@ -158,8 +159,9 @@ void TVCmon::Command1_Click() {
     RefreshLog();
 }
 
+// The tape's record switch: it opens or finishes "save.wav" and "record.wav".
 void TVCmon::Check1_Click() {
-    m_.forms.TVCmon.Check1 = Check1->isChecked();
+    TapeRecord(m_, Check1->isChecked());
 }
 
 void TVCmon::Check3_Click() {

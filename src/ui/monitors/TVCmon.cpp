@@ -76,7 +76,9 @@ void TVCmon::Build() {
         if (!box) {
             auto* g = new QGroupBox(Q(f.group), this);
             box = new QGridLayout(g);
-            box->setSpacing(1);
+            // Rows tight, columns apart: a long caption must not run into its neighbour.
+            box->setVerticalSpacing(1);
+            box->setHorizontalSpacing(12);
             grid->addWidget(g, placed / kColumns, placed % kColumns, Qt::AlignTop);
             ++placed;
         }

@@ -43,8 +43,9 @@ void CursorInterrupt(Machine& m) {
     RunState& r = m.run;
     const int32_t* reg = m.crtc.CrtcReg;
     const int32_t pos = r.FrameT * 100 / kCharRowT;
-    const int32_t cur = (reg[14] & 15) * 256 + reg[15] + kCursorStartT;
-    const int32_t diff = pos - cur;
+    // 64 bits: a snapshot can load any 32-bit value into a register.
+    const int64_t cur = (reg[14] & 15) * 256 + int64_t(reg[15]) + kCursorStartT;
+    const int64_t diff = pos - cur;
     if (r.FrameT > kCursorStartT && static_cast<int64_t>(r.FrameT) < int64_t(reg[6]) * kCharRowT &&
         r.FrameT > r.LastCursorIrqT && (diff == 0 || diff == 1) && reg[10] < 4) {
         m.bus.PortLatch[0x59] &= ~0x10;

@@ -19,6 +19,8 @@
 #include "../tests/z80/CpmShim.h"
 #include "core/Machine.h"
 #include "core/RunLoop.h"
+#include "sound/Ay8910.h"
+#include "sound/Sn76489.h"
 #include "sound/SoundFX.h"
 
 using namespace tvc;
@@ -60,6 +62,9 @@ int main(int argc, char** argv) {
     m.bus.PortLatch[5] = 255;
     m.crtc.CrtcReg[10] = 32;
     SoundInit(m);
+    // The sound card's chips as after reset: silent, as a reset machine's are.
+    SnReset(m);
+    AyReset(m);
     CpmShim shim;
     const std::string error = shim.Load(m, path);
     if (!error.empty()) {

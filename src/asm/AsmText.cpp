@@ -5,6 +5,7 @@
 #include <unordered_map>
 
 #include "asm/OpcodeTables.h"
+#include "asm/TextLib.h"
 
 namespace tvc {
 
@@ -175,16 +176,7 @@ std::string Cp1250ToUtf8(std::string_view bytes) {
         const auto b = static_cast<uint8_t>(ch);
         uint32_t cp = b < 0x80 ? b : kCp1250[b - 0x80];
         if (cp == 0) cp = b; // unassigned: keep the byte's own value
-        if (cp < 0x80) {
-            out += static_cast<char>(cp);
-        } else if (cp < 0x800) {
-            out += static_cast<char>(0xC0 | cp >> 6);
-            out += static_cast<char>(0x80 | (cp & 0x3F));
-        } else {
-            out += static_cast<char>(0xE0 | cp >> 12);
-            out += static_cast<char>(0x80 | (cp >> 6 & 0x3F));
-            out += static_cast<char>(0x80 | (cp & 0x3F));
-        }
+        AppendUtf8(out, cp);
     }
     return out;
 }

@@ -47,6 +47,9 @@ std::string_view TrimBlanks(std::string_view text);
 
 // Single-byte Windows-1252 text, as the opcode tables are kept, to the UTF-8
 // that the rest of the program works in.
+// Appends one code point below 0x10000 as UTF-8.
+void AppendUtf8(std::string& out, uint32_t cp);
+
 std::string WidenText(std::string_view bytes);
 
 } // namespace tvc

@@ -46,6 +46,10 @@ TEST(Sid, PortsAndDecode) {
                                 s.SidMode, int(s.SidVolume)}),
               std::vector<int>({9, 0x756, 0x41, 9, 10, 3, 12, 7 + 0x80 * 8, 10, 5, 6, 15}));
     EXPECT_FLOAT_EQ(v.AttackStep * v.ReleaseStep, 1 / (250 * 22.0f) / (3000 * 22.0f));
+    m.sid.SidPhase[2] = 0.5f;
+    SidReset(m);
+    EXPECT_TRUE(std::all_of(s.SidRegs, s.SidRegs + 29, [](int32_t r) { return r == 0; }) &&
+                s.SidPhase[2] == 0);
 }
 
 // A pulse of width 4,095 at frequency 0 holds +1, so the column is the envelope.
@@ -84,7 +88,7 @@ TEST(Sid, EnvelopeTiming) {
 TEST(Sid, WaveformsWithTheEnvelopeOff) {
     const struct {
         int ctl, f, pw;
-    } cases[] = {{0x20, 5000, 0}, {0x10, 3000, 0},   {0x40, 2000, 1024},
+    } cases[] = {{0x20, 5000, 0}, {0x11, 3000, 0},   {0x40, 2000, 1024},
                  {0x40, 2000, 0}, {0x60, 700, 3072}, {0x00, 4000, 0}};
     for (const auto& k : cases) {
         TestMachine t;
@@ -256,7 +260,8 @@ TEST(Sid, SidxFields) {
     }
     SidApplySidxLine(t.m(), Line({{103, "Low"}, {107, "."}}));
     EXPECT_EQ(t.m().sid.SidRegs[24], 3);
-    SidApplySidxLine(t.m(), Line({{103, "Bad"}}));
+    SidApplySidxLine(t.m(), Line({{103, "Bad"}, {107, "2"}}));
+    EXPECT_EQ(t.m().sid.SidRegs[24], 2);
     SidApplySidxLine(t.m(), Line({{103, "Odd"}}));
     ASSERT_EQ(t.host.messages.size(), 1u); // once per file
     EXPECT_EQ(t.host.messages[0].text + t.host.messages[0].title, "hibaBad");

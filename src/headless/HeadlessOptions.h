@@ -23,6 +23,14 @@ struct ErrorSimSetting {
     std::optional<std::string> banks; // four 0/1 characters, Check2..Check5
 };
 
+// --import-pic: a workbench importer button (its Command number), the
+// picture and the threshold offset H.
+struct PictureImport {
+    int32_t button;
+    std::string file;
+    int32_t h = 0;
+};
+
 struct Options {
     std::string dir;
     std::vector<std::pair<std::string, bool>> sets;    // menu check marks
@@ -58,6 +66,10 @@ struct Options {
     std::optional<std::string> serialBridge;           // link of the bridge started for the run
     std::optional<std::string> printerOut;             // the printer's bytes
     std::optional<ErrorSimSetting> errorsim;
+    std::optional<std::pair<std::string, std::string>> convertTvcasm; // IN, OUT
+    std::vector<PictureImport> importPics;                             // in the order given
+    std::optional<std::string> opcodeHelp; // a source line for the opcode help
+    bool opcodeHelpUndoc = false;          // with the undocumented rows ("Undocumented*")
     bool help = false;
 };
 

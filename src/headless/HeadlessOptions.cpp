@@ -47,6 +47,9 @@ Machine set-up (applied in this order):
                          17 to 20 without), threshold offset H in -128..127
                          (default 0); a file that cannot be decoded gives
                          "File Open error!" and exit status 1
+  --import-after N       import the pictures at frame N instead, once the ROM
+                         has set up its screen; --steps and --frames count
+                         from there
   --reg NAME=V           set a register, flag or line by its --dump-regs name
                          (RegPC=0x100, FlagC=1, IFF1=1, ...)
   --disk FILE            load a disk image into drive 0, after "default.dsk"
@@ -169,7 +172,7 @@ constexpr std::string_view kValueOptions[] = {
     "--type-after", "--tape-in", "--load-snap", "--load-cas", "--tape-out", "--save-cas",
     "--cas-range", "--save-snap", "--save-mex", "--control", "--asm", "--asm-after",
     "--asm-listing", "--asm-symbols", "--disk", "--dump-hw", "--dump-fdc-log",
-    "--convert-tvcasm", "--import-pic", "--opcode-help",
+    "--convert-tvcasm", "--import-pic", "--opcode-help", "--import-after",
 };
 constexpr std::string_view kLinkValueOptions[] = {"--serial-in", "--serial-out", "--printer-out",
                                                   "--errorsim"};
@@ -365,7 +368,8 @@ std::optional<Options> ParseOptions(const std::vector<std::string>& args, std::s
             if (c != std::string::npos) button = InRange(value.substr(0, c), 0, 99);
             if (!button || !FindImportButton(*button) || c + 1 == value.size())
                 return fail("--import-pic takes BUTTON:FILE[:H] with BUTTON one of 9, 10, 16 "
-                            "to 20, not '" + value + "'");
+                            "to 20, not '" +
+                            value + "'");
             PictureImport p{*button, value.substr(c + 1), 0};
             if (const size_t last = p.file.rfind(':'); last != std::string::npos) {
                 const auto h = InRange(p.file.substr(last + 1), kHScrollMin, kHScrollMax);
@@ -374,6 +378,11 @@ std::optional<Options> ParseOptions(const std::vector<std::string>& args, std::s
                 p.file.resize(last);
             }
             o.importPics.push_back(p);
+        } else if (name == "--import-after") {
+            const auto v = ParseNumber(value);
+            if (!v || *v < 0)
+                return fail("--import-after takes a frame count, not '" + value + "'");
+            o.importAfter = *v;
         } else if (name == "--opcode-help") {
             std::string text = value;
             if (text.size() >= 6 && text.compare(text.size() - 6, 6, ":undoc") == 0) {
@@ -394,6 +403,7 @@ std::optional<Options> ParseOptions(const std::vector<std::string>& args, std::s
     }
     if ((o.asmAfter || o.asmRun || o.asmListing || o.asmSymbols) && !o.asmFile)
         return fail("--asm-after, --asm-run, --asm-listing and --asm-symbols need --asm");
+    if (o.importAfter && o.importPics.empty()) return fail("--import-after needs --import-pic");
     if (o.steps && o.frames) return fail("--steps and --frames cannot be combined");
     if (o.steps && o.type) return fail("--type runs by frames and cannot be combined with --steps");
     return o;

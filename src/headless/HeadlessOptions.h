@@ -68,6 +68,7 @@ struct Options {
     std::optional<ErrorSimSetting> errorsim;
     std::optional<std::pair<std::string, std::string>> convertTvcasm; // IN, OUT
     std::vector<PictureImport> importPics;                             // in the order given
+    std::optional<int64_t> importAfter; // frame at which the pictures are imported
     std::optional<std::string> opcodeHelp; // a source line for the opcode help
     bool opcodeHelpUndoc = false;          // with the undocumented rows ("Undocumented*")
     bool help = false;

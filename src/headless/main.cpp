@@ -273,7 +273,8 @@ int Main(const std::vector<std::string>& args) {
     if (o.convertTvcasm) {
         const auto text = ReadSourceFile(o.convertTvcasm->first);
         if (!text) {
-            std::cerr << "tvc-headless: " << kFileOpenError << " " << o.convertTvcasm->first << '\n';
+            std::cerr << "tvc-headless: " << kFileOpenError << " " << o.convertTvcasm->first
+                      << '\n';
             return kExitIo;
         }
         if (!WriteSourceFile(o.convertTvcasm->second, ConvertTvcasm(*text)))
@@ -330,7 +331,7 @@ int Main(const std::vector<std::string>& args) {
     if (o.loadCas && !LoadCAS(m, *o.loadCas)) return kExitIo;
     for (const auto& [addr, value] : o.pokes)
         MemWrite(m, addr, value);
-    if (!ImportPictures(m, o)) return kExitIo;
+    if (!o.importAfter && !ImportPictures(m, o)) return kExitIo;
     if (o.opcodeHelp) std::cout << OpcodeHelpText(*o.opcodeHelp, o.opcodeHelpUndoc) << std::flush;
     if (o.asmFile && !o.asmAfter) {
         if (const int status = Assemble(m, o); status >= 0) return status;
@@ -373,6 +374,11 @@ int Main(const std::vector<std::string>& args) {
         m.run.RunFlag = 1;
         RunFrames(m, static_cast<uint64_t>(*o.asmAfter), keys ? &*keys : nullptr);
         if (const int status = Assemble(m, o); status >= 0) return status;
+    }
+    if (o.importAfter) {
+        m.run.RunFlag = 1;
+        RunFrames(m, static_cast<uint64_t>(*o.importAfter), keys ? &*keys : nullptr);
+        if (!ImportPictures(m, o)) return kExitIo;
     }
     Run(m, o, keys ? &*keys : nullptr);
     m.sound.DeliveryTap = nullptr;

@@ -170,6 +170,42 @@ TEST_F(OpcodeHelpTest, PanelFromTheInfoTable) {
     ASSERT_TRUE(OpcodeInfo("SLL B*"));
 }
 
+TEST_F(OpcodeHelpTest, LineWithoutEndIsCutAt255) {
+    // Within 255 characters the line is "NOP"; one more would take in the "X".
+    const std::string text = "NOP" + std::string(252, ' ') + "X";
+    const auto r = OpcodeHelp(text, 1, false);
+    ASSERT_TRUE(r);
+    EXPECT_EQ(r->List2, std::vector<std::string>{"NOP"});
+}
+
+TEST_F(OpcodeHelpTest, OddInfoRowsFillWhatTheyHave) {
+    OpcodeTablesLoadText(tm.m(), "", "",
+                         ">first<\r\nQ-----|1|4|Odd.>odd<\r\na|b>two<\r\n------|1|4|A.>a<\r\n"
+                         ">bare<\r\n");
+    const struct {
+        const char *row, *flags, *size, *cycles, *text;
+        bool error;
+        const char *c, *s; // captions of flags C and S
+    } cases[] = {
+        {"FIRST", "", "", "", "", false, "unknown", "unknown"},
+        {"ODD", "Q-----", "1", "4", "Odd.", true, "", "unaffected"},
+        {"TWO", "a", "b", "", "", true, "", "unknown"},
+        {"BARE", "", "", "", "", false, "unknown", "unknown"},
+    };
+    for (const auto& c : cases) {
+        const auto p = OpcodeInfo(c.row);
+        ASSERT_TRUE(p) << c.row;
+        EXPECT_EQ(p->Text8, c.flags) << c.row;
+        EXPECT_EQ(p->Text7, c.size) << c.row;
+        EXPECT_EQ(p->Text10, c.cycles) << c.row;
+        EXPECT_EQ(p->Text11, c.text) << c.row;
+        EXPECT_EQ(p->flagError, c.error) << c.row;
+        EXPECT_EQ(p->Label7[0].caption, c.c) << c.row;
+        EXPECT_EQ(p->Label7[5].caption, c.s) << c.row;
+    }
+    OpcodeTablesLoad(tm.m());
+}
+
 // clang-format off
 TEST(OpcodeHelp, FlagCaptionsAndColours) {
     const struct { char c; const char* caption; int32_t colour; } cases[] = {

@@ -103,6 +103,12 @@ TEST(HeadlessWorkbench, ImportSetsTheModeAndTakesH) {
             RunHeadless(d + "--import-pic 9:g.bmp:" + std::to_string(h) + " --dump-mem 0x8000:1:-");
         EXPECT_EQ(r.out, std::string(1, want)) << h;
     }
+    // --import-after: frames run first, then the picture goes in.
+    RunResult late = RunHeadless(d + "--import-pic 9:g.bmp --import-after 3 --frames 1 "
+                                     "--dump-mem 0x8000:1:- --dump-regs regs.json");
+    EXPECT_EQ(late.out, "\xFF") << late.out;
+    EXPECT_NE(Slurp(dir.path() / "regs.json").find("\"FrameCount\": 4,"), std::string::npos);
+    EXPECT_EQ(RunHeadless(d + "--import-after 3").status, 2);
     const RunResult r = RunHeadless(d + "--import-pic 16:g.bmp --dump-regs -");
     ASSERT_EQ(r.status, 0) << r.out;
     const size_t at = r.out.find("\"PortLatch\": [");

@@ -280,7 +280,10 @@ QWidget* asse::BuildSide() {
         g->addWidget(new QLabel(panel[i].second, side), r, 0);
         g->addWidget(*panel[i].first, r++, 1, 1, 2);
     }
-    Text11 = edit("Text11", true);
+    Text11 = new QLabel(side);
+    Text11->setObjectName("Text11");
+    Text11->setWordWrap(true);
+    Text11->setMinimumHeight(Text11->fontMetrics().height() * 2);
     g->addWidget(Text11, r++, 0, 1, 3);
     for (size_t i = 0; i < 6; ++i) {
         Label7[i] = new QLabel(side);
@@ -613,6 +616,7 @@ void asse::SetFolder(const QString& path) {
     QDir dir(path);
     if (!dir.exists()) return;
     folder_ = dir.absolutePath();
+    Frame2->setTitle(folder_);
     Dir1->clear();
     Dir1->addItem("..");
     for (const QString& d : dir.entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name))

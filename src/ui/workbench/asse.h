@@ -76,7 +76,8 @@ class asse : public QWidget {
     QTextEdit *RText1 = nullptr, *RText2 = nullptr;
     QPlainTextEdit *Text4 = nullptr, *Text9 = nullptr;
     QListWidget *List2 = nullptr, *List3 = nullptr;
-    QLineEdit *Text8 = nullptr, *Text7 = nullptr, *Text10 = nullptr, *Text11 = nullptr;
+    QLineEdit *Text8 = nullptr, *Text7 = nullptr, *Text10 = nullptr;
+    QLabel* Text11 = nullptr; // the description, wrapped
     std::array<QLabel*, 6> Label7{};
     QLabel *Label1 = nullptr, *Label2 = nullptr;
     QLineEdit *Text13 = nullptr, *Text14 = nullptr, *Text15 = nullptr;

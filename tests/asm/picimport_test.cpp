@@ -51,17 +51,13 @@ TEST(PicImport, FourColoursBitsPerPixelAndChannel) {
     for (int32_t i = 0; i < 4; ++i) {
         const int32_t at = 3 - i, low = 1 << i, high = 0x10 << i;
         const int32_t blueCut = at == 1 ? 128 : 198;
-        const struct {
-            int32_t colour, h, want;
-        } cases[] = {{Rgb(50, 0, 0), 0, low},
-                     {Rgb(49, 0, 0), 0, 0},
-                     {Rgb(60, 0, 0), 11, 0},
-                     {Rgb(0, 50, 0), 0, high},
-                     {Rgb(0, 49, 0), 0, 0},
-                     {Rgb(0, 0, blueCut + 1), 0, low | high},
-                     {Rgb(0, 0, blueCut), 0, 0},
-                     {Rgb(0, 0, 255), 100, low | high},
-                     {Rgb(255, 255, 0), 0, low | high}};
+        // clang-format off
+        const struct { int32_t colour, h, want; } cases[] = {
+            {Rgb(50, 0, 0), 0, low}, {Rgb(49, 0, 0), 0, 0}, {Rgb(60, 0, 0), 11, 0},
+            {Rgb(0, 50, 0), 0, high}, {Rgb(0, 49, 0), 0, 0}, {Rgb(0, 0, blueCut + 1), 0, low | high},
+            {Rgb(0, 0, blueCut), 0, 0}, {Rgb(0, 0, 255), 100, low | high},
+            {Rgb(255, 255, 0), 0, low | high}};
+        // clang-format on
         for (const auto& c : cases)
             EXPECT_EQ(ImportByte(OnePixel(at, c.colour), PixelRule::Four, 0, 0, c.h, 0), c.want)
                 << "pixel " << at << " colour " << std::hex << c.colour;
@@ -73,18 +69,13 @@ TEST(PicImport, SixteenColoursInterleaveTwoPixels) {
     // blue, red, green, intensity from the low end.
     for (int32_t at = 0; at < 2; ++at) {
         const int32_t s = 1 - at;
-        const struct {
-            int32_t colour, h, gray, want;
-        } cases[] = {{Rgb(0, 0, 50), 0, 100, 1},
-                     {Rgb(0, 0, 49), 0, 100, 0},
-                     {Rgb(50, 0, 0), 0, 100, 4},
-                     {Rgb(0, 50, 0), 0, 100, 16},
-                     {Rgb(200, 200, 0), 0, 100, 84},
-                     {Rgb(0, 50, 0), 1, 100, 0},
-                     {Rgb(101, 101, 101), 0, 100, 64 | 21},
-                     {Rgb(100, 100, 100), 60, 100, 0},
-                     {Rgb(130, 130, 130), 81, 130, 0},
-                     {Rgb(131, 131, 131), 81, 130, 64 | 21}};
+        // clang-format off
+        const struct { int32_t colour, h, gray, want; } cases[] = {
+            {Rgb(0, 0, 50), 0, 100, 1}, {Rgb(0, 0, 49), 0, 100, 0}, {Rgb(50, 0, 0), 0, 100, 4},
+            {Rgb(0, 50, 0), 0, 100, 16}, {Rgb(200, 200, 0), 0, 100, 84}, {Rgb(0, 50, 0), 1, 100, 0},
+            {Rgb(101, 101, 101), 0, 100, 64 | 21}, {Rgb(100, 100, 100), 60, 100, 0},
+            {Rgb(130, 130, 130), 81, 130, 0}, {Rgb(131, 131, 131), 81, 130, 64 | 21}};
+        // clang-format on
         for (const auto& c : cases)
             EXPECT_EQ(ImportByte(OnePixel(at, c.colour), PixelRule::Sixteen, 0, 0, c.h, c.gray),
                       c.want << s)

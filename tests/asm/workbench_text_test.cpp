@@ -131,51 +131,35 @@ TEST_F(OpcodeHelpTest, LinesGiveTheRowsThatBeginSo) {
 }
 
 TEST_F(OpcodeHelpTest, FullOperandFindsNothingAndLeftOfCursorIsTried) {
-    auto r = OpcodeHelp("LD A,15", 7, false);
-    ASSERT_TRUE(r);
-    EXPECT_TRUE(r->List2.empty());
-    EXPECT_EQ(r->selected, -1);
-    // Nothing for "HALT X"; left of the cursor "HAL" begins one row only.
-    r = OpcodeHelp("HALT X", 3, false);
-    ASSERT_TRUE(r);
-    EXPECT_EQ(r->List2, std::vector<std::string>{"HALT"});
-    EXPECT_EQ(r->selected, 0);
+    // clang-format off
+    const struct { std::string text; size_t cursor; std::vector<std::string> rows; } cases[] = {
+        {"LD A,15", 7, {}},
+        {"HALT X", 3, {"HALT"}}, // nothing for "HALT X"; "HAL" begins one row only
+        // Within 255 characters the line is "NOP"; one more would take in the "X".
+        {"NOP" + std::string(252, ' ') + "X", 1, {"NOP"}}};
+    // clang-format on
+    for (const auto& c : cases) {
+        const auto r = OpcodeHelp(c.text, c.cursor, false);
+        ASSERT_TRUE(r);
+        EXPECT_EQ(r->List2, c.rows) << c.text;
+        EXPECT_EQ(r->selected, c.rows.size() == 1 ? 0 : -1);
+    }
 }
 
 TEST_F(OpcodeHelpTest, PanelFromTheInfoTable) {
-    const struct {
-        const char* row;
-        const char* flags;
-        const char* size;
-        const char* cycles;
-        const char* text;
-    } cases[] = {
-        {"NOP", "------", "1", "4", "No operation is performed."},
-        {"INC B", "-0V+++", "1", "4", "Adds one to b."},
-    };
-    for (const auto& c : cases) {
-        const auto p = OpcodeInfo(c.row);
-        ASSERT_TRUE(p) << c.row;
-        EXPECT_EQ(p->Text8, c.flags);
-        EXPECT_EQ(p->Text7, c.size);
-        EXPECT_EQ(p->Text10, c.cycles);
-        EXPECT_EQ(p->Text11, c.text);
-        for (size_t i = 0; i < 6; ++i)
-            EXPECT_EQ(p->Label7[i].caption, FlagCaption(c.flags[i])->caption) << c.row << i;
-    }
+    const auto nop = OpcodeInfo("NOP");
+    ASSERT_TRUE(nop);
+    EXPECT_EQ(nop->Text8 + "|" + nop->Text7 + "|" + nop->Text10 + "|" + nop->Text11,
+              "------|1|4|No operation is performed.");
+    const auto inc = OpcodeInfo("INC B");
+    ASSERT_TRUE(inc);
+    for (size_t i = 0; i < 6; ++i)
+        EXPECT_EQ(inc->Label7[i].caption, FlagCaption("-0V+++"[i])->caption) << i;
     EXPECT_FALSE(OpcodeInfo("NOT AN OPCODE"));
     const auto ex = OpcodeInfo("EX AF,AF\xE2\x80\x99");
     ASSERT_TRUE(ex);
     EXPECT_EQ(ex->Text7, "1");
     ASSERT_TRUE(OpcodeInfo("SLL B*"));
-}
-
-TEST_F(OpcodeHelpTest, LineWithoutEndIsCutAt255) {
-    // Within 255 characters the line is "NOP"; one more would take in the "X".
-    const std::string text = "NOP" + std::string(252, ' ') + "X";
-    const auto r = OpcodeHelp(text, 1, false);
-    ASSERT_TRUE(r);
-    EXPECT_EQ(r->List2, std::vector<std::string>{"NOP"});
 }
 
 TEST_F(OpcodeHelpTest, OddInfoRowsFillWhatTheyHave) {

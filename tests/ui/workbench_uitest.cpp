@@ -213,18 +213,13 @@ void WorkbenchTest::convertAndEditButtons() {
 
 void WorkbenchTest::importPictures() {
     Fixture f;
-    // A 16 x 2 BMP, 24 bits: white left half.
-    std::string bmp = "BM";
-    auto put = [&](uint32_t v, int n) {
-        for (int i = 0; i < n; ++i)
-            bmp += char(v >> (8 * i) & 0xFF);
-    };
-    put(54 + 48 * 2, 4), put(0, 4), put(54, 4), put(40, 4), put(16, 4), put(2, 4), put(1, 2);
-    put(24, 2), put(0, 4), put(96, 4), put(0, 4), put(0, 4), put(0, 4), put(0, 4);
+    // A 16 x 2 picture: white left half.
+    QImage half(16, 2, QImage::Format_RGB32);
+    half.fill(Qt::black);
     for (int y = 0; y < 2; ++y)
-        for (int x = 0; x < 16; ++x)
-            put(x < 8 ? 0xFFFFFF : 0, 3);
-    std::ofstream("half.bmp", std::ios::binary) << bmp;
+        for (int x = 0; x < 8; ++x)
+            half.setPixel(x, y, qRgb(255, 255, 255));
+    QVERIFY(half.save("half.bmp"));
     std::ofstream("bad.bmp", std::ios::binary) << "not a picture";
     f.a->xOpen_Click();
     f.a->Combo1->setCurrentText("picture");

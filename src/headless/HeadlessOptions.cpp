@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string_view>
 
+#include "asm/PicImport.h"
 #include "core/ControlItems.h"
 #include "core/MenuState.h"
 
@@ -45,6 +46,16 @@ Machine set-up (applied in this order):
   --asm-run              then press the workbench's RUN button: RegPC = 10000
   --asm-listing FILE|-   per source line its address (hex) and normal form
   --asm-symbols FILE|-   the symbol list: name in 22 columns, then its value
+  --import-pic BUTTON:FILE[:H]
+                         import a picture (.bmp, .jpg, .gif, .png) as the
+                         workbench's button CommandBUTTON does (9 "LOAD PIC 2",
+                         10 and 16 the 4- and 16-colour with the mode set,
+                         17 to 20 without), threshold offset H in -128..127
+                         (default 0); a file that cannot be decoded gives
+                         "File Open error!" and exit status 1
+  --import-after N       import the pictures at frame N instead, once the ROM
+                         has set up its screen; --steps and --frames count
+                         from there
   --reg NAME=V           set a register, flag or line by its --dump-regs name
                          (RegPC=0x100, FlagC=1, IFF1=1, ...)
   --disk FILE            load a disk image into drive 0, after "default.dsk"
@@ -96,6 +107,16 @@ Links:
                          video fault enabled, option 0 bit=0, 1 bit=1,
                          2 bit=Random, the bits hit (0..255), and four 0/1
                          for the banks 0000, 4000, 8000, C000 filled with 0xAA
+Workbench tools (no machine needed, but it runs as usual):
+  --convert-tvcasm IN:OUT
+                         convert the .tvcasm source IN as "Convert tvcasm"
+                         does and save the result to OUT (UTF-8, CR LF)
+  --opcode-help TEXT[:undoc]
+                         the opcode help's rows for a line typed as TEXT with
+                         the cursor at its end, on stdout; with exactly one
+                         row also the panel: flags, size, cycles, description
+                         and the six flag captions. ":undoc" ticks
+                         "Undocumented*"
   --help                 this text
 
 Numbers are decimal or 0x hexadecimal.
@@ -157,6 +178,7 @@ constexpr std::string_view kValueOptions[] = {
     "--type-after", "--tape-in", "--load-snap", "--load-cas", "--tape-out", "--save-cas",
     "--cas-range", "--save-snap", "--save-mex", "--control", "--asm", "--asm-after",
     "--asm-listing", "--asm-symbols", "--disk", "--dump-hw", "--dump-fdc-log",
+    "--convert-tvcasm", "--import-pic", "--opcode-help", "--import-after",
 };
 constexpr std::string_view kLinkValueOptions[] = {"--serial-in", "--serial-out", "--printer-out",
                                                   "--errorsim"};
@@ -347,6 +369,39 @@ std::optional<Options> ParseOptions(const std::vector<std::string>& args, std::s
         } else if (name == "--screenshot") {
             if (value.empty()) return fail("--screenshot takes a file name");
             o.screenshot = value;
+        } else if (name == "--convert-tvcasm") {
+            const size_t c = value.find(':');
+            if (c == std::string::npos || c == 0 || c + 1 == value.size())
+                return fail("--convert-tvcasm takes IN:OUT, not '" + value + "'");
+            o.convertTvcasm = std::pair{value.substr(0, c), value.substr(c + 1)};
+        } else if (name == "--import-pic") {
+            const size_t c = value.find(':');
+            std::optional<int32_t> button;
+            if (c != std::string::npos) button = InRange(value.substr(0, c), 0, 99);
+            if (!button || !FindImportButton(*button) || c + 1 == value.size())
+                return fail("--import-pic takes BUTTON:FILE[:H] with BUTTON one of 9, 10, 16 "
+                            "to 20, not '" +
+                            value + "'");
+            PictureImport p{*button, value.substr(c + 1), 0};
+            if (const size_t last = p.file.rfind(':'); last != std::string::npos) {
+                const auto h = InRange(p.file.substr(last + 1), kHScrollMin, kHScrollMax);
+                if (!h) return fail("--import-pic: H must be in -128..127, not '" + value + "'");
+                p.h = *h;
+                p.file.resize(last);
+            }
+            o.importPics.push_back(p);
+        } else if (name == "--import-after") {
+            const auto v = ParseNumber(value);
+            if (!v || *v < 0)
+                return fail("--import-after takes a frame count, not '" + value + "'");
+            o.importAfter = *v;
+        } else if (name == "--opcode-help") {
+            std::string text = value;
+            if (text.size() >= 6 && text.compare(text.size() - 6, 6, ":undoc") == 0) {
+                o.opcodeHelpUndoc = true;
+                text.resize(text.size() - 6);
+            }
+            o.opcodeHelp = text;
         } else if (name == "--dump-mem") {
             const size_t c1 = value.find(':');
             const size_t c2 = c1 == std::string::npos ? c1 : value.find(':', c1 + 1);
@@ -360,6 +415,7 @@ std::optional<Options> ParseOptions(const std::vector<std::string>& args, std::s
     }
     if ((o.asmAfter || o.asmRun || o.asmListing || o.asmSymbols) && !o.asmFile)
         return fail("--asm-after, --asm-run, --asm-listing and --asm-symbols need --asm");
+    if (o.importAfter && o.importPics.empty()) return fail("--import-after needs --import-pic");
     if (o.steps && o.frames) return fail("--steps and --frames cannot be combined");
     if (o.steps && o.type) return fail("--type runs by frames and cannot be combined with --steps");
     return o;

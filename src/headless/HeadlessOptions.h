@@ -23,6 +23,14 @@ struct ErrorSimSetting {
     std::optional<std::string> banks; // four 0/1 characters, Check2..Check5
 };
 
+// --import-pic: a workbench importer button (its Command number), the
+// picture and the threshold offset H.
+struct PictureImport {
+    int32_t button;
+    std::string file;
+    int32_t h = 0;
+};
+
 struct Options {
     std::string dir;
     std::vector<std::pair<std::string, bool>> sets;    // menu check marks
@@ -60,6 +68,11 @@ struct Options {
     std::optional<ErrorSimSetting> errorsim;
     std::optional<std::string> ymDirect; // log of the YM3812's direct output
     std::optional<std::string> sidFile;  // SIDX or DMP dump the SID plays
+    std::optional<std::pair<std::string, std::string>> convertTvcasm; // IN, OUT
+    std::vector<PictureImport> importPics;                             // in the order given
+    std::optional<int64_t> importAfter; // frame at which the pictures are imported
+    std::optional<std::string> opcodeHelp; // a source line for the opcode help
+    bool opcodeHelpUndoc = false;          // with the undocumented rows ("Undocumented*")
     bool help = false;
 };
 

@@ -15,6 +15,10 @@
 #include "asm/AsmText.h"
 #include "asm/Assembler.h"
 #include "asm/Disassembler.h"
+#include "asm/OpcodeHelp.h"
+#include "asm/PicImport.h"
+#include "asm/Converter.h"
+#include "asm/SourceFiles.h"
 #include "core/ControlItems.h"
 #include "asm/TextLib.h"
 #include "core/HwMonitor.h"
@@ -34,6 +38,9 @@
 #include "sound/PortSinks.h"
 #include "sound/SoundFX.h"
 #include "sound/WavRecorder.h"
+#ifdef TVC_PICTURE_DECODER
+#include "ui/decode/PictureDecode.h"
+#endif
 
 namespace tvc::headless {
 namespace {
@@ -199,6 +206,41 @@ std::string BridgeProgram() {
     return std::string(TVC_BIN_DIR) + "/" + kSerialBridgeName;
 }
 
+// --opcode-help: the rows as List2 shows them, then the panel of a single row.
+std::string OpcodeHelpText(const std::string& line, bool undoc) {
+    std::string out;
+    const auto help = OpcodeHelp(line, line.size(), undoc);
+    if (!help) return out;
+    for (const std::string& row : help->List2)
+        out += row + "\n";
+    if (help->selected < 0) return out;
+    const auto panel = OpcodeInfo(help->List2[static_cast<size_t>(help->selected)]);
+    if (!panel) return out;
+    out += "Opcode: " + panel->Text8 + "\nSize (byte): " + panel->Text7 +
+           "\nColock cycles: " + panel->Text10 + "\n" + panel->Text11 + "\n";
+    static const char* const kFlags[] = {"C:", "N:", "P/V:", "H:", "Z:", "S:"};
+    for (size_t i = 0; i < 6; ++i)
+        out += std::string(kFlags[i]) + " " + panel->Label7[i].caption + "\n";
+    return out;
+}
+
+// --import-pic: the picture through Qt's reader, then the button's walk.
+bool ImportPictures(Machine& m, const Options& o) {
+    for (const PictureImport& p : o.importPics) {
+#ifdef TVC_PICTURE_DECODER
+        const auto grid = DecodePicture(p.file);
+#else
+        const std::optional<PixelGrid> grid;
+#endif
+        if (!grid) {
+            std::cerr << "tvc-headless: " << kFileOpenError << " " << p.file << '\n';
+            return false;
+        }
+        ImportPicture(m, *FindImportButton(p.button), *grid, p.h);
+    }
+    return true;
+}
+
 // Starts the serial link for the run: the record, a bridge unless one
 // serves already, and the pump once a frame.
 bool StartSerialBridge(Machine& m, HeadlessHost& host, const std::string& link) {
@@ -227,6 +269,17 @@ int Main(const std::vector<std::string>& args) {
     if (!o.dir.empty() && chdir(o.dir.c_str()) != 0) {
         std::cerr << "tvc-headless: cannot enter " << o.dir << ": " << std::strerror(errno) << '\n';
         return kExitUsage;
+    }
+
+    if (o.convertTvcasm) {
+        const auto text = ReadSourceFile(o.convertTvcasm->first);
+        if (!text) {
+            std::cerr << "tvc-headless: " << kFileOpenError << " " << o.convertTvcasm->first
+                      << '\n';
+            return kExitIo;
+        }
+        if (!WriteSourceFile(o.convertTvcasm->second, ConvertTvcasm(*text)))
+            return CannotWrite(o.convertTvcasm->second);
     }
 
     HeadlessHost host;
@@ -279,6 +332,8 @@ int Main(const std::vector<std::string>& args) {
     if (o.loadCas && !LoadCAS(m, *o.loadCas)) return kExitIo;
     for (const auto& [addr, value] : o.pokes)
         MemWrite(m, addr, value);
+    if (!o.importAfter && !ImportPictures(m, o)) return kExitIo;
+    if (o.opcodeHelp) std::cout << OpcodeHelpText(*o.opcodeHelp, o.opcodeHelpUndoc) << std::flush;
     if (o.asmFile && !o.asmAfter) {
         if (const int status = Assemble(m, o); status >= 0) return status;
     }
@@ -335,6 +390,11 @@ int Main(const std::vector<std::string>& args) {
         m.run.RunFlag = 1;
         RunFrames(m, static_cast<uint64_t>(*o.asmAfter), keys ? &*keys : nullptr);
         if (const int status = Assemble(m, o); status >= 0) return status;
+    }
+    if (o.importAfter) {
+        m.run.RunFlag = 1;
+        RunFrames(m, static_cast<uint64_t>(*o.importAfter), keys ? &*keys : nullptr);
+        if (!ImportPictures(m, o)) return kExitIo;
     }
     Run(m, o, keys ? &*keys : nullptr);
     m.sound.DeliveryTap = nullptr;

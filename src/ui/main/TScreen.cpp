@@ -31,6 +31,7 @@
 #include "ui/links/TSerial.h"
 #include "ui/monitors/CPUmon.h"
 #include "ui/monitors/TVCmon.h"
+#include "ui/workbench/asse.h"
 #include "video/Screen.h"
 
 namespace tvc::ui {
@@ -66,6 +67,7 @@ TScreen::TScreen(Machine& m) : m_(m) {
     serial = new TSerial(m_, this);
     printer = new TPrint(m_, this);
     errorSim = new ErrorSim(m_, this);
+    workbench = new asse(*this);
     // The drawing area keeps its size in pixels; menu and status panel come on top.
     resize(tvc::kWindowWidth,
            tvc::kWindowHeight + menuBar()->sizeHint().height() + Frame3->sizeHint().height());
@@ -319,6 +321,11 @@ void TScreen::Handle(const std::string& name) {
         cpumon->redraw();
         cpumon->show();
         cpumon->raise();
+        return;
+    }
+    if (name == "xAsse") {
+        workbench->show();
+        workbench->raise();
         return;
     }
     if (name == "xTVCmon") {

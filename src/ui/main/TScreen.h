@@ -34,6 +34,7 @@ class FScreen;
 class ScreenView;
 class TTools;
 class TTape;
+class asse;
 
 class TScreen : public QMainWindow {
     Q_OBJECT
@@ -94,6 +95,7 @@ class TScreen : public QMainWindow {
     TSerial* serial = nullptr;
     TPrint* printer = nullptr;
     ErrorSim* errorSim = nullptr;
+    asse* workbench = nullptr; // the assembler, View → "Assembler"
 
   protected:
     void closeEvent(QCloseEvent*) override;

@@ -17,6 +17,7 @@
 #include <algorithm>
 
 #include "asm/Disassembler.h"
+#include "ui/workbench/asse.h"
 #include "asm/TextLib.h"
 #include "core/Machine.h"
 #include "core/MonitorText.h"
@@ -475,7 +476,8 @@ void CPUmon::Command7_Click() {
     if (!MayEnterRunLoop()) return;
     RunLoop(m_);
     ScreenRedraw(m_);
-    // The assembler window's listing will follow RegPC here once it exists.
+    // The assembler's listing follows: the line of the next instruction.
+    if (screen_.workbench) screen_.workbench->Dline("0x" + Hex4(m_.cpu.RegPC));
 }
 
 void CPUmon::Command4_Click() {

@@ -1,0 +1,253 @@
+// The workbench's text tools: the tvcasm converter, Format, the opcode help,
+// OPEN and SAVE, and the listing's rich text.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "asm/Converter.h"
+#include "asm/OpcodeHelp.h"
+#include "asm/OpcodeTables.h"
+#include "asm/SourceFiles.h"
+#include "asm/SourceFormat.h"
+#include "support/Headless.h"
+#include "support/TestMachine.h"
+
+namespace tvc {
+namespace {
+
+// clang-format off
+TEST(Converter, NineStepsInOrder) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"", ""},
+        // comment blanked (3 blanks with the one before), 3 blanks to 1, CALL
+        {"LOOP: CALL FOO ;x", "LOOP: call @FOO "},
+        {"X EQU 5", "X: EQU 5"},
+        {"MSG DB 'AB'", "MSG:\r\nDB \"AB\""},
+        {"T DW 1", "T:\r\nDW 1"},
+        // a ";" inside a string cuts it as well
+        {"a';'b", "a\" "},
+        // LF and lone CR become CR LF before the comment step looks for it
+        {"A ;c\nB", "A \r\nB"}, {"A ;c\rB", "A \r\nB"},
+        // TAB to blank, the line-start blank dropped; an indented DB stays
+        {"x\n\tNOP", "x\r\nNOP"}, {"A\r\n  DB 1", "A\r\nDB 1"},
+        // blank runs of 6, 12, 13 and 2 end as one
+        {"a      b", "a b"}, {"a            b", "a b"}, {"a             b", "a b"},
+        {"a  b", "a b"},
+        // the jump table, exact case
+        {"jr x", "jr @x"}, {"JR Z,X", "jr Z,@X"}, {"JR NZ,X", "jr nz,@X"},
+        {"JR C,X", "jr c,@X"}, {"JR nc,X", "jr nc,@X"}, {"JP Z,X", "jp z,@X"},
+        {"JP NZ,X", "jp nz,@X"}, {"JP X", "jp @X"}, {"call 5", "call @5"},
+        {"JR NC,X", "JR NC,X"}, {"JR X", "JR X"}, {"jp x", "jp x"},
+    };
+    for (auto [in, out] : cases) EXPECT_EQ(ConvertTvcasm(in), out) << '"' << in << '"';
+}
+// clang-format on
+
+TEST(Converter, IsNotIdempotent) {
+    EXPECT_EQ(ConvertTvcasm(ConvertTvcasm("call x")), "call @@x");
+}
+
+TEST(Converter, LongBlankRunsAndNulsPass) {
+    const std::string big =
+        std::string(1 << 20, ' ') + std::string(1000, '\0') + ";c\r\n" + std::string(1 << 20, 'x');
+    const std::string out = ConvertTvcasm(big);
+    EXPECT_EQ(out.find(';'), std::string::npos);
+    // The fixed cascade leaves a run of 2^20 blanks far shorter, not single.
+    EXPECT_LT(out.find('\0'), size_t(1) << 17);
+    EXPECT_EQ(out.substr(out.size() - 1000), std::string(1000, 'x'));
+}
+
+// clang-format off
+TEST(Format, FirstFittingRuleGivesTheColour) {
+    const std::pair<const char*, int32_t> cases[] = {
+        {"X: EQU 5", 0xFF0000}, {"X: EQUAL", 0xFF0000}, {"  LOOP:  ", 0xFF0000},
+        {"'note:", 0xFF0000}, {" *BREAK", 0x1919DE}, {"  db 1", 0xE119DE},
+        {"DS 5,0", 0xE119DE}, {"Dw 7", 0xE119DE}, {"DB", 0}, {"INCBIN \"a\"", 0xFF0000},
+        {"ORG 100", 0xFF0000}, {" ORG 100", 0}, {"org 100", 0}, {"LD A,5", 0},
+        {"X EQU 5", 0}, {"\tLOOP:", 0xFF0000}, {"\t*X", 0},
+    };
+    for (auto [line, colour] : cases) EXPECT_EQ(FormatLineColour(line), colour) << line;
+}
+// clang-format on
+
+TEST(Format, CommentsTurnGreenAndLineEndsStay) {
+    const std::string text = "LD A,1 'c\r\nX:\nNOP\r*B";
+    const std::vector<ListingRun> want = {
+        {"LD A,1 ", 0}, {"'c\r\n", 0x379B37}, {"X:\n", 0xFF0000}, {"NOP\r", 0}, {"*B", 0x1919DE}};
+    const auto runs = Format(text);
+    ASSERT_EQ(runs.size(), want.size());
+    for (size_t i = 0; i < want.size(); ++i) {
+        EXPECT_EQ(runs[i].text, want[i].text) << i;
+        EXPECT_EQ(runs[i].colour, want[i].colour) << i;
+    }
+    EXPECT_TRUE(Format("").empty());
+}
+
+class OpcodeHelpTest : public ::testing::Test {
+  protected:
+    test::TestMachine tm;
+    // Rows of the disassembler's table whose mnemonic (column 14 on) begins
+    // with `prefix`, as the help lists them.
+    static std::vector<std::string> RowsStarting(const std::string& prefix, bool undoc) {
+        std::vector<std::string> rows;
+        const std::string& t = OpcodeDisasmText();
+        for (size_t p = 0; p < t.size();) {
+            size_t e = t.find("\r\n", p);
+            if (e == std::string::npos) e = t.size();
+            const std::string row = t.substr(p, e - p);
+            if (row.size() > 13) {
+                std::string mn = row.substr(13);
+                while (!mn.empty() && mn.back() == ' ')
+                    mn.pop_back();
+                if (mn.rfind(prefix, 0) == 0 && (undoc || mn.back() != '*')) rows.push_back(mn);
+            }
+            p = e + 2;
+        }
+        return rows;
+    }
+};
+
+TEST_F(OpcodeHelpTest, LinesGiveTheRowsThatBeginSo) {
+    const struct {
+        const char* text;
+        size_t cursor;
+        bool undoc;
+        const char* prefix; // nullptr: no help at all
+        bool selected;
+    } cases[] = {
+        {"LD", 2, false, "LD", false},         {"LD", 2, true, "LD", false},
+        {"  ld a,", 7, false, "LD A,", false}, {"NOP", 3, false, "NOP", true},
+        {"NOP 'x", 6, false, "NOP", true},     {"X:\r\nNOP", 7, false, "NOP", true},
+        {"NOP", 0, false, nullptr, false},     {"   'x", 5, false, nullptr, false},
+        {"X:\r\nNOP", 4, false, "NOP", true},  {"X:\r\nNOP", 2, false, "#", false},
+    };
+    for (const auto& c : cases) {
+        const auto r = OpcodeHelp(c.text, c.cursor, c.undoc);
+        ASSERT_EQ(r.has_value(), c.prefix != nullptr) << c.text;
+        if (!r) continue;
+        EXPECT_EQ(r->List2, RowsStarting(c.prefix, c.undoc)) << c.text;
+        EXPECT_EQ(r->selected, c.selected ? 0 : -1) << c.text;
+    }
+}
+
+TEST_F(OpcodeHelpTest, FullOperandFindsNothingAndLeftOfCursorIsTried) {
+    // clang-format off
+    const struct { std::string text; size_t cursor; std::vector<std::string> rows; } cases[] = {
+        {"LD A,15", 7, {}},
+        {"HALT X", 3, {"HALT"}}, // nothing for "HALT X"; "HAL" begins one row only
+        // Within 255 characters the line is "NOP"; one more would take in the "X".
+        {"NOP" + std::string(252, ' ') + "X", 1, {"NOP"}}};
+    // clang-format on
+    for (const auto& c : cases) {
+        const auto r = OpcodeHelp(c.text, c.cursor, false);
+        ASSERT_TRUE(r);
+        EXPECT_EQ(r->List2, c.rows) << c.text;
+        EXPECT_EQ(r->selected, c.rows.size() == 1 ? 0 : -1);
+    }
+}
+
+TEST_F(OpcodeHelpTest, PanelFromTheInfoTable) {
+    const auto nop = OpcodeInfo("NOP");
+    ASSERT_TRUE(nop);
+    EXPECT_EQ(nop->Text8 + "|" + nop->Text7 + "|" + nop->Text10 + "|" + nop->Text11,
+              "------|1|4|No operation is performed.");
+    const auto inc = OpcodeInfo("INC B");
+    ASSERT_TRUE(inc);
+    for (size_t i = 0; i < 6; ++i)
+        EXPECT_EQ(inc->Label7[i].caption, FlagCaption("-0V+++"[i])->caption) << i;
+    EXPECT_FALSE(OpcodeInfo("NOT AN OPCODE"));
+    const auto ex = OpcodeInfo("EX AF,AF\xE2\x80\x99");
+    ASSERT_TRUE(ex);
+    EXPECT_EQ(ex->Text7, "1");
+    ASSERT_TRUE(OpcodeInfo("SLL B*"));
+}
+
+TEST_F(OpcodeHelpTest, OddInfoRowsFillWhatTheyHave) {
+    OpcodeTablesLoadText(tm.m(), "", "",
+                         ">first<\r\nQ-----|1|4|Odd.>odd<\r\na|b>two<\r\n------|1|4|A.>a<\r\n"
+                         ">bare<\r\n");
+    const struct {
+        const char *row, *flags, *size, *cycles, *text;
+        bool error;
+        const char *c, *s; // captions of flags C and S
+    } cases[] = {
+        {"FIRST", "", "", "", "", false, "unknown", "unknown"},
+        {"ODD", "Q-----", "1", "4", "Odd.", true, "", "unaffected"},
+        {"TWO", "a", "b", "", "", true, "", "unknown"},
+        {"BARE", "", "", "", "", false, "unknown", "unknown"},
+    };
+    for (const auto& c : cases) {
+        const auto p = OpcodeInfo(c.row);
+        ASSERT_TRUE(p) << c.row;
+        EXPECT_EQ(p->Text8, c.flags) << c.row;
+        EXPECT_EQ(p->Text7, c.size) << c.row;
+        EXPECT_EQ(p->Text10, c.cycles) << c.row;
+        EXPECT_EQ(p->Text11, c.text) << c.row;
+        EXPECT_EQ(p->flagError, c.error) << c.row;
+        EXPECT_EQ(p->Label7[0].caption, c.c) << c.row;
+        EXPECT_EQ(p->Label7[5].caption, c.s) << c.row;
+    }
+    OpcodeTablesLoad(tm.m());
+}
+
+// clang-format off
+TEST(OpcodeHelp, FlagCaptionsAndColours) {
+    const struct { char c; const char* caption; int32_t colour; } cases[] = {
+        {'-', "unaffected", 0xFFFFFF}, {'+', "affected as defined", 0xFF00},
+        {'P', "detects parity", 0xFF00}, {'V', "detects overflow", 0xFF00},
+        {'1', "set", 0xFF00}, {'0', "reset", 0xFF00}, {'*', "exceptional", 0xFF},
+        {' ', "unknown", 0xFFFF}};
+    for (const auto& c : cases) {
+        const auto f = FlagCaption(c.c);
+        ASSERT_TRUE(f) << c.c;
+        EXPECT_EQ(f->caption, c.caption);
+        EXPECT_EQ(f->colour, c.colour) << c.c;
+    }
+    EXPECT_FALSE(FlagCaption('Q'));
+}
+// clang-format on
+
+TEST(SourceFiles, TextIsUtf8ElseWindows1250) {
+    const std::pair<std::string, std::string> cases[] = {
+        {"LD A,1", "LD A,1"},
+        {"DB \"\xC3\x81\"", "DB \"\xC3\x81\""},           // UTF-8 Á stays
+        {"DB \"\xC1\"", "DB \"\xC3\x81\""},               // Windows-1250 Á
+        {"\xEF\xBB\xBFNOP", "NOP"},                       // byte-order mark dropped
+        {"\x8A", "\xC5\xA0"},                             // Š
+        {"\xED\xA0\x80", "\xC3\xAD\xC2\xA0\xE2\x82\xAC"}, // a surrogate is no UTF-8
+        {"\xC3", "\xC4\x82"},                             // cut sequence
+        {std::string("a\0b", 3), std::string("a\0b", 3)}};
+    for (const auto& [in, out] : cases)
+        EXPECT_EQ(SourceText(in), out) << in;
+}
+
+TEST(SourceFiles, SaveWritesCrLfAndOpenReadsItBack) {
+    test::ScratchDir dir;
+    ASSERT_TRUE(WriteSourceFile("a.asm", "old text that is longer"));
+    ASSERT_TRUE(WriteSourceFile("a.asm", "a\nb\rc\r\n\xC3\x81"));
+    EXPECT_EQ(test::Slurp("a.asm"), "a\r\nb\r\nc\r\n\xC3\x81");
+    EXPECT_EQ(ReadSourceFile("a.asm"), "a\r\nb\r\nc\r\n\xC3\x81");
+    EXPECT_FALSE(ReadSourceFile("missing.asm"));
+    std::filesystem::create_directory("d");
+    EXPECT_FALSE(ReadSourceFile("d"));
+    EXPECT_FALSE(WriteSourceFile("d", "x"));
+    std::filesystem::resize_file("a.asm", kMaxSourceFile);
+    EXPECT_TRUE(ReadSourceFile("a.asm"));
+    std::filesystem::resize_file("a.asm", kMaxSourceFile + 1);
+    EXPECT_FALSE(ReadSourceFile("a.asm"));
+}
+
+TEST(SourceFiles, ListingRtfHasAColourTableAndAParagraphPerLine) {
+    const std::vector<ListingRun> runs = {
+        {"0x2710", 0x6E1478}, {"\tLD A,{1}\\\n", 0}, {"\xC1\n", 0x6E1478}};
+    const std::string rtf = ListingRtf(runs);
+    EXPECT_EQ(rtf.rfind("{\\rtf1", 0), 0u);
+    EXPECT_NE(rtf.find("{\\colortbl ;\\red120\\green20\\blue110;\\red0\\green0\\blue0;}"),
+              std::string::npos);
+    EXPECT_NE(rtf.find("\\cf1 0x2710\\cf2 \\tab LD A,\\{1\\}\\\\\\par\n\\cf1 \\'c1\\par\n}"),
+              std::string::npos)
+        << rtf;
+}
+
+} // namespace
+} // namespace tvc

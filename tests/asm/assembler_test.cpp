@@ -12,6 +12,7 @@
 #include "asm/Assembler.h"
 #include "asm/OpcodeTables.h"
 #include "hw/Memory.h"
+#include "support/Codepage.h"
 #include "support/TestMachine.h"
 
 namespace tvc {
@@ -200,6 +201,10 @@ TEST(Assembler, TVCASCTableAndSourceText) {
     EXPECT_EQ(NormaliseSource("a\r\nb\nc\rd\xC5\x91"), "a\r\nb\r\nc\r\nd\xF5");
     EXPECT_EQ(NormaliseSource("\xEF\xBB\xBFx\xE2\x82\xAC\xE4\xB8\x80"), "x\x80?");
     EXPECT_EQ(NormaliseSource("\xF5\xFF"), "\xF5\xFF"); // not UTF-8: taken as it stands
+    for (int b = 0x80; b < 0x100; ++b) { // every character of Windows-1250 comes back as its byte
+        const std::string utf8 = test::CodepageUtf8("CP1250", uint8_t(b));
+        if (!utf8.empty()) { EXPECT_EQ(NormaliseSource(utf8), std::string(1, char(b))) << b; }
+    }
     EXPECT_EQ(Strim(TabTrim(" ld\t a ,  b , c ")), "LD A,B,C");
     EXPECT_EQ(LeadingNumber("  -12.5x"), -12);
     EXPECT_EQ(LeadingNumber("13.5"), 14);

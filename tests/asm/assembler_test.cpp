@@ -12,6 +12,7 @@
 #include "asm/Assembler.h"
 #include "asm/OpcodeTables.h"
 #include "hw/Memory.h"
+#include "support/Codepage.h"
 #include "support/TestMachine.h"
 
 namespace tvc {
@@ -49,110 +50,67 @@ struct Case {
 
 TEST(Assembler, SourcesToBytesSymbolsAndMessages) {
     const int E = kFill;
+    const std::vector<std::pair<std::string, int32_t>> X100 = {{"X", 100}}, X103 = {{"X", 103}};
+    // clang-format off
     const Case cases[] = {
         // Numbers, comments, the normal form.
         {"ORG 100\nLD A,15\nld a,$15\n\tLd  B , 7", 100, {0x3E, 15, 0x3E, 0x15, 0x06, 7}},
         {"ORG 100\nNOP 'comment\n' whole line\nEX AF,AF'", 100, {0x00, 0x08, E}},
-        {"ORG $FFFF\nNOP", 0xFFFF, {0x00}},
+        {"ORG $FFFF\nNOP", 0xFFFF, {0x00}}, {"ORG 1000H\nNOP", 1000, {0x00}},
         {"ORG 100.5\nNOP\nORG 101.5\nHALT", 100, {0x00, E, 0x76}}, // half to even
-        {"ORG 1000H\nNOP", 1000, {0x00}},
         // Directives.
-        {"ORG 100\nDB 1,2,3\nDB $123\nDW $1234,4660\nX:",
-         100,
-         {1, 2, 3, 0x12, 0x12, 0x34, 0x12, 0x34},
-         0,
-         0,
-         "",
-         {{"X", 108}}},
-        {"ORG 100\nDS 3,65\nDS 2,$41\nX:",
-         100,
-         {65, 65, 65, 0x41, 0x41, E},
-         0,
-         0,
-         "",
-         {{"X", 105}}},
-        {"ORG 100\nDB \"Az\xC3\x81\"\nX:", 100, {'A', 'z', 0x80, E}, 0, 0, "", {{"X", 103}}},
-        {"ORG 100\n  DB \"ABC\"\nX:",
-         100,
-         {'A', 'B', 'C'},
-         0,
-         0,
-         "",
-         {{"X", 101}}}, // indented: 1 byte in pass 1
-        {"ORG 100\n*BREAK\n*INT\n*NMI\n*RESET\nLD A,1\nX:",
-         100,
-         {0xFD, 0xF3, 0xFD, 0xF0, 0xFD, 0xF1, 0xFD, 0xF2, 0x3E, 1},
-         0,
-         0,
-         "",
-         {{"X", 110}}},
+        {"ORG 100\nDB 1,2,3\nDB $123\nDW $1234,4660\nX:", 100, {1, 2, 3, 0x12, 0x12, 0x34, 0x12, 0x34},
+         0, 0, "", {{"X", 108}}},
+        {"ORG 100\nDS 3,65\nDS 2,$41\nX:", 100, {65, 65, 65, 0x41, 0x41, E}, 0, 0, "", {{"X", 105}}},
+        {"ORG 100\nDB \"Az\xC3\x81\"\nX:", 100, {'A', 'z', 0x80, E}, 0, 0, "", X103},
+        // Indented: 1 byte in pass 1.
+        {"ORG 100\n  DB \"ABC\"\nX:", 100, {'A', 'B', 'C'}, 0, 0, "", {{"X", 101}}},
+        {"ORG 100\n*BREAK\n*INT\n*NMI\n*RESET\nLD A,1\nX:", 100,
+         {0xFD, 0xF3, 0xFD, 0xF0, 0xFD, 0xF1, 0xFD, 0xF2, 0x3E, 1}, 0, 0, "", {{"X", 110}}},
         {"ORG 100\n*FOO\nL:\nJP @L", 100, {0xC3, 102, 0, E}, 0, 0, "", {{"L", 102}}},
         // Instructions and their operand forms.
-        {"ORG 100\nJP $C000\nLD HL,(513)\nLD (IX+5),B\nLD A,(IY+$FF)",
-         100,
+        {"ORG 100\nJP $C000\nLD HL,(513)\nLD (IX+5),B\nLD A,(IY+$FF)", 100,
          {0xC3, 0x00, 0xC0, 0x2A, 0x01, 0x02, 0xDD, 0x70, 5, 0xFD, 0x7E, 0xFF}},
-        {"ORG 100\nLD (IX+$10),$20\nLD (IY+1),2\nX:",
-         100,
-         {0xDD, 0x36, 0x10, 0x20, 0xFD, 0x36, 1, 2},
-         0,
-         0,
-         "",
-         {{"X", 108}}},
-        {"ORG 100\nBIT 3,(IX+5)\nLD B,SET 6,(IY+5)*\nSLL B*\nLD IXH,5*\nIM 2",
-         100,
+        {"ORG 100\nLD (IX+$10),$20\nLD (IY+1),2\nX:", 100, {0xDD, 0x36, 0x10, 0x20, 0xFD, 0x36, 1, 2},
+         0, 0, "", {{"X", 108}}},
+        {"ORG 100\nBIT 3,(IX+5)\nLD B,SET 6,(IY+5)*\nSLL B*\nLD IXH,5*\nIM 2", 100,
          {0xDD, 0xCB, 5, 0x5E, 0xFD, 0xCB, 5, 0xF0, 0xCB, 0x30, 0xDD, 0x26, 5, 0xED, 0x5E}},
-        {"ORG 100\nRST $38\nRST 8H\nJR 5\nOUT (254),A\nIN A,($FE)",
-         100,
+        {"ORG 100\nRST $38\nRST 8H\nJR 5\nOUT (254),A\nIN A,($FE)", 100,
          {0xFF, 0xCF, 0x18, 5, 0xD3, 0xFE, 0xDB, 0xFE}},
-        {"ORG 100\nLD IY,(30)\nX:", 100, {0xFD, 0x2A, 30, E}, 0, 0, "", {{"X", 103}}}, // FD2A is
-                                                                                       // type "n"
-        {"ORG 100\nRLCA5\nX:", 100, {0x07}, 0, 0, "", {{"X", 100}}}, // a blank-type second hit:
-                                                                     // size 0
+        {"ORG 100\nLD IY,(30)\nX:", 100, {0xFD, 0x2A, 30, E}, 0, 0, "", X103}, // FD2A is type "n"
+        {"ORG 100\nRLCA5\nX:", 100, {0x07}, 0, 0, "", X100}, // a blank-type second hit: size 0
         // Labels and constants.
         {"ORG 100\nL:\nDJNZ @L\nJR @F\nCALL NZ,@L\nF:", 100, {0x10, 0xFE, 0x18, 3, 0xC4, 100, 0}},
-        {"K: EQU 5\nK: EQU 7\nW: EQU $1234\nORG 100\nLD A,@K\nLD HL,@W\nLD A,(IX+@K)",
-         100,
+        {"K: EQU 5\nK: EQU 7\nW: EQU $1234\nORG 100\nLD A,@K\nLD HL,@W\nLD A,(IX+@K)", 100,
          {0x3E, 5, 0x21, 0x34, 0x12, 0xDD, 0x7E, 5}},
-        {"ORG 100\nLD (@X),BC\nX:", 100, {0xED, 0x43, 103, 0}, 0, 0, "", {{"X", 103}}}, // mis-sized
+        {"ORG 100\nLD (@X),BC\nX:", 100, {0xED, 0x43, 103, 0}, 0, 0, "", X103}, // mis-sized
         {"ORG 100\nLD A,(@X)\nLD HL,(@X)\nX:", 100, {0x3A, 106, 0, 0x2A, 106, 0}},
         {"ABCDEFGHIJKLMNOPQRSTU:\nORG 1\nJP @ABCDEFGHIJKLMNOPQRSTU", 1, {0xC3, 0, 0}},
         // Errors, each on its line and pass, with what stays written.
-        {"LOOP:\nLOOP:", 0, {}, 2, 1, "Existing name!"},
-        {"LOOP :", 0, {}, 1, 1, "Syntax Error!"},
-        {"LOOP: NOP", 0, {}, 1, 1, "Internal Error P1!"},
+        {"LOOP:\nLOOP:", 0, {}, 2, 1, "Existing name!"},  {"LOOP :", 0, {}, 1, 1, "Syntax Error!"},
+        {"LOOP: NOP", 0, {}, 1, 1, "Internal Error P1!"}, {"K: EQU 1+2", 0, {}, 1, 1, "Syntax Error!"},
         {"ABCDEFGHIJKLMNOPQRSTUV:", 0, {}, 1, 1, "Syntax Error!"}, // 23 with the colon
-        {"K: EQU 1+2", 0, {}, 1, 1, "Syntax Error!"},
-        {"K: EQU X", 0, {}, 1, 1, "Syntax Error!"},
-        {"ORG 65536", 0, {}, 1, 1, "OverFlow Error!"},
-        {"ORG -1", 0, {}, 1, 1, "OverFlow Error!"},
-        {"ORG .", 0, {}, 1, 1, "Syntax Error!"},
-        {"ORG 9999999999", 0, {}, 1, 1, "Internal Error P1!"},
-        {"DB 256", 0, {}, 1, 1, "OverFlow Error!"},
-        {"DB -1", 0, {}, 1, 1, "OverFlow Error!"},
+        {"K: EQU X", 0, {}, 1, 1, "Syntax Error!"},      {"ORG 65536", 0, {}, 1, 1, "OverFlow Error!"},
+        {"ORG -1", 0, {}, 1, 1, "OverFlow Error!"},      {"ORG .", 0, {}, 1, 1, "Syntax Error!"},
+        {"ORG 9999999999", 0, {}, 1, 1, "Internal Error P1!"}, {"DB 256", 0, {}, 1, 1, "OverFlow Error!"},
+        {"DB -1", 0, {}, 1, 1, "OverFlow Error!"},       {"DS 0,65", 0, {}, 1, 1, "Syntax Error!"},
         {"ORG 100\nDB \"A\" 'note", 100, {E}, 2, 1, "Syntax Error!"},
-        {"DS 0,65", 0, {}, 1, 1, "Syntax Error!"},
-        {"DS 3,256", 0, {}, 1, 1, "OverFlow Error!"},
-        {"DS 3", 0, {}, 1, 1, "Internal Error P1!"},
-        {"    DS 3,1", 0, {}, 1, 1, "Syntax Error!"}, // indented: the count is read at a fixed
-                                                      // column
-        {"LD A,256", 0, {}, 1, 1, "OverFlow Error!"},
-        {"LD A,", 0, {}, 1, 1, "Syntax Error!"},
-        {"LD A,$", 0, {}, 1, 1, "Syntax Error!"},
+        {"DS 3,256", 0, {}, 1, 1, "OverFlow Error!"},    {"DS 3", 0, {}, 1, 1, "Internal Error P1!"},
+        {"    DS 3,1", 0, {}, 1, 1, "Syntax Error!"}, // indented: the count is read at a fixed column
+        {"LD A,256", 0, {}, 1, 1, "OverFlow Error!"},    {"LD A,", 0, {}, 1, 1, "Syntax Error!"},
+        {"LD A,$", 0, {}, 1, 1, "Syntax Error!"},        {"INCBIN X", 0, {}, 1, 1, "Syntax Error!"},
         {"LD A,99999999999", 0, {}, 1, 1, "Internal Error P1!"},
-        {"RST 8", 0, {}, 1, 1, "Internal Error P1!"},
-        {"XOR @X", 0, {}, 1, 1, "OverFlow Error!"},
-        {"LD C,@X", 0, {}, 1, 1, "Internal Error P1!"},
-        {"LD IX,(@X)", 0, {}, 1, 1, "Internal Error P1!"},
+        {"RST 8", 0, {}, 1, 1, "Internal Error P1!"},    {"XOR @X", 0, {}, 1, 1, "OverFlow Error!"},
+        {"LD C,@X", 0, {}, 1, 1, "Internal Error P1!"},  {"LD IX,(@X)", 0, {}, 1, 1, "Internal Error P1!"},
         {"ORG 100\nDB 9\nJP @X", 100, {9}, 3, 2, "Syntax Error!"}, // undefined; pass 1 bytes stay
         {"ORG 100\nLD IXH,5", 100, {E}, 2, 2, "Internal Error P2!"},
         {"ORG 100\nLD (IX+5),256", 100, {E}, 2, 2, "OverFlow Error!"},
         {"K: EQU 300\nLD A,@K", 0, {}, 2, 2, "OverFlow Error!"},
         {"ORG 100\nJR @X\nDS 128,0\nX:", 100, {E}, 2, 2, "OverFlow Error!"},
-        {"ORG 100\nJR @X\nDS 127,0\nX:", 100, {0x18, 127}},
-        {"PMEM=256", 0, {}, 1, 2, "Internal Error P2!"},
+        {"ORG 100\nJR @X\nDS 127,0\nX:", 100, {0x18, 127}}, {"PMEM=256", 0, {}, 1, 2, "Internal Error P2!"},
         {"INCBIN \"NO-SUCH.BIN\"", 0, {}, 1, 1, "Internal Error P1!"},
-        {"INCBIN X", 0, {}, 1, 1, "Syntax Error!"},
     };
+    // clang-format on
     for (const Case& k : cases) {
         SCOPED_TRACE(k.source);
         Compiled c(k.source);
@@ -243,6 +201,10 @@ TEST(Assembler, TVCASCTableAndSourceText) {
     EXPECT_EQ(NormaliseSource("a\r\nb\nc\rd\xC5\x91"), "a\r\nb\r\nc\r\nd\xF5");
     EXPECT_EQ(NormaliseSource("\xEF\xBB\xBFx\xE2\x82\xAC\xE4\xB8\x80"), "x\x80?");
     EXPECT_EQ(NormaliseSource("\xF5\xFF"), "\xF5\xFF"); // not UTF-8: taken as it stands
+    for (int b = 0x80; b < 0x100; ++b) { // every character of Windows-1250 comes back as its byte
+        const std::string utf8 = test::CodepageUtf8("CP1250", uint8_t(b));
+        if (!utf8.empty()) { EXPECT_EQ(NormaliseSource(utf8), std::string(1, char(b))) << b; }
+    }
     EXPECT_EQ(Strim(TabTrim(" ld\t a ,  b , c ")), "LD A,B,C");
     EXPECT_EQ(LeadingNumber("  -12.5x"), -12);
     EXPECT_EQ(LeadingNumber("13.5"), 14);

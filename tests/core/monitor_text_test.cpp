@@ -37,6 +37,8 @@ TEST(MonitorText, CharacterColumnMap) {
         EXPECT_EQ(MonitorFontCode(k.code), k.font) << k.code;
     for (int code = 0; code < 256; ++code)
         EXPECT_EQ(MonitorChar(code), CodepageUtf8("CP852", uint8_t(MonitorFontCode(code)))) << code;
+    for (int b = 0; b < 256; ++b) // the whole page, as the printer and serial forms show it
+        EXPECT_EQ(Cp852Char(uint8_t(b)), CodepageChar("CP852", uint8_t(b))) << b;
 }
 
 TEST(MonitorText, PortDumpReadsTheLatches) {

@@ -62,18 +62,6 @@ std::set<std::string> DocumentedOpcodes() {
     return codes;
 }
 
-TEST(OpcodeTables, RowAndStarCountsAreFixed) {
-    const auto disasm = Lines(Resource("Z80oPCodes"));
-    const auto assembler = Lines(Resource("z80opcodesjav"));
-    const auto info = Lines(Resource("z80opinfo"));
-    EXPECT_EQ(disasm.size(), 1274u);
-    EXPECT_EQ(std::count_if(disasm.begin(), disasm.end(), Starred), 570);
-    EXPECT_EQ(assembler.size(), 1282u);
-    EXPECT_EQ(std::count_if(assembler.begin(), assembler.end(), Starred), 567);
-    EXPECT_EQ(info.size(), 1394u);
-    EXPECT_EQ(std::count(info.begin(), info.end(), ""), 126);
-}
-
 TEST(OpcodeTables, EveryRowFitsItsLayout) {
     EXPECT_EQ(CheckOpcodeTable(OpcodeTable::Disasm, Resource("z80opcodes")), std::nullopt);
     EXPECT_EQ(CheckOpcodeTable(OpcodeTable::Asm, Resource("z80opcodesjav")), std::nullopt);

@@ -1,6 +1,8 @@
 // Building the machine from its ROM files and the menu, and the warm reset.
 #include <gtest/gtest.h>
 
+#include <set>
+
 #include "hw/MachineSetup.h"
 #include "hw/Memory.h"
 #include "support/TestMachine.h"
@@ -21,6 +23,15 @@ struct Built {
     }
     uint8_t At(int32_t offset) const { return m->bus.Mem[offset]; }
 };
+
+// The menu starts with the main window's ticks: card 2 (the sound card),
+// DIB pictures, sound, the undocumented opcodes and "Normal" pace.
+TEST(MachineInit, MenuStartsWithTheWindowsTicks) {
+    const std::set<std::string> ticked = {"xio2", "xScreenDIB", "xSound", "xUnDoc", "xS3"};
+    const MenuState menu;
+    for (const MenuItem& item : kMenuItems)
+        EXPECT_EQ(menu.*item.field, ticked.count(item.name) == 1) << item.name;
+}
 
 TEST(MachineInit, RomSetFollowsTheBasicMenuItem) {
     for (bool basic22 : {false, true}) {

@@ -174,17 +174,6 @@ TEST(PortReads, ToneTimerRestartAndReloadValues) {
     }
 }
 
-TEST(PortReads, CrtcRegistersReadBackFromTwelveUp) {
-    TestMachine t;
-    t.m().crtc.CrtcReg[4] = 0x11;
-    t.m().crtc.CrtcReg[14] = 0x22;
-    t.m().crtc.CrtcReg[18] = 4;
-    EXPECT_EQ(PortIn(t.m(), 0x71), 255);
-    t.m().crtc.CrtcReg[18] = 14;
-    EXPECT_EQ(PortIn(t.m(), 0x73), 0x22);
-    EXPECT_EQ(PortIn(t.m(), 0x70), 255);
-}
-
 TEST(PortReads, UnknownReadsAreLoggedAnswering255) {
     TestMachine t;
     EXPECT_EQ(PortIn(t.m(), 0x31), 255);

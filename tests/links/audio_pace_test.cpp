@@ -131,8 +131,10 @@ TEST_F(Maps, UnderrunsAndStallsAreCounted) {
 }
 
 // A player that is alive but does not ask: the stand-in takes over after
-// kPlayerSilence, asks on its own beat, and hands back when the player asks.
+// a second without a request, asks on its own beat, and hands back when the
+// player asks.
 TEST_F(Maps, StandInCoversAStoppedPlayerAndHandsBack) {
+    constexpr milliseconds silence = 1000ms;
     AudioCompanion companion;
     ASSERT_TRUE(companion.Start("/bin/sleep", {"60"}));
     AudioCompanion::Clock::time_point t{};
@@ -141,32 +143,32 @@ TEST_F(Maps, StandInCoversAStoppedPlayerAndHandsBack) {
     };
     Set(kHandshakeDelivered);
     serve(0ms);
-    serve(kPlayerSilence - 1ms);
+    serve(silence - 1ms);
     EXPECT_FALSE(companion.StandingIn());
     EXPECT_EQ(Byte(), kHandshakeDelivered);
-    serve(kPlayerSilence);
+    serve(silence);
     EXPECT_TRUE(companion.StandingIn());
     EXPECT_EQ(Byte(), kHandshakeAsk);
     Answer();
-    serve(kPlayerSilence + 1ms); // takes the unit
-    serve(kPlayerSilence + 99ms);
+    serve(silence + 1ms); // takes the unit
+    serve(silence + 99ms);
     EXPECT_EQ(Byte(), kHandshakeDelivered);
-    serve(kPlayerSilence + 100ms); // its beat
+    serve(silence + 100ms); // its beat
     EXPECT_EQ(Byte(), kHandshakeAsk);
     Answer();
-    serve(kPlayerSilence + 101ms);
+    serve(silence + 101ms);
     Set(kHandshakeAsk); // the player is back
-    serve(kPlayerSilence + 102ms);
+    serve(silence + 102ms);
     EXPECT_FALSE(companion.StandingIn());
     Answer();
-    serve(kPlayerSilence + 103ms);
-    serve(2 * kPlayerSilence + 101ms);
+    serve(silence + 103ms);
+    serve(2 * silence + 101ms);
     EXPECT_FALSE(companion.StandingIn());
     EXPECT_EQ(Byte(), kHandshakeDelivered);
 
     // Closing: every wait is answered at once.
     AudioCompanion::ReleaseWaits();
-    serve(2 * kPlayerSilence + 102ms);
+    serve(2 * silence + 102ms);
     AudioCompanion::ReleaseWaits(false);
     EXPECT_EQ(Byte(), kHandshakeAsk);
 }

@@ -103,26 +103,20 @@ std::vector<uint8_t> Program(std::initializer_list<std::pair<int, int>> outs) {
 }
 
 WavProbe Record(const std::vector<uint8_t>& program, const std::string& extra = "") {
-    ScratchDir dir;
-    WriteRomSet(dir);
-    dir.Write("chip.bin", program);
+    HeadlessDir d;
+    d.dir.Write("chip.bin", program);
     const RunResult r =
-        RunHeadless("--dir " + dir.path().string() + " " + extra +
-                    " --port 2=0xB0 --load-bin chip.bin --frames 100 --audio chip.wav");
+        d.Run(extra + " --port 2=0xB0 --load-bin chip.bin --frames 100 --audio chip.wav");
     EXPECT_EQ(r.status, 0) << r.out;
-    return WavProbe(dir.path() / "chip.wav").Window(0.1); // past the first unit
+    return WavProbe(d.dir.path() / "chip.wav").Window(0.1); // past the first unit
 }
 
 TEST(SoundChips, RecordingsHoldThePredictedToneAndLevels) {
     // AY: period 254 gives 111861 / 254 = 440 Hz at AyVolume[15] x 16 = 16.
-    const WavProbe ay = Record(Program({{0x3A, 0},
-                                        {0x3B, 254},
-                                        {0x3A, 1},
-                                        {0x3B, 0},
-                                        {0x3A, 7},
-                                        {0x3B, 0x3E},
-                                        {0x3A, 8},
-                                        {0x3B, 15}}));
+    // clang-format off
+    const WavProbe ay = Record(Program({{0x3A, 0}, {0x3B, 254}, {0x3A, 1}, {0x3B, 0}, {0x3A, 7},
+                                        {0x3B, 0x3E}, {0x3A, 8}, {0x3B, 15}}));
+    // clang-format on
     EXPECT_NEAR(ay.Frequency(), 111861.0 / 254, 2);
     EXPECT_EQ(ay.Min(), 128 - 16);
     EXPECT_EQ(ay.Max(), 128 + 16);
@@ -142,16 +136,9 @@ TEST(SoundChips, RecordingsHoldThePredictedToneAndLevels) {
     // SAA: channel 0 at octave 4, byte 0, both sides 15: a square of
     // 0 and round(round(255 / 31 x 15) / 8) over 128.
     const int saaHz = int(RoundHalfEven(15625.0 * 16 / 511)), high = int(RoundHalfEven(123 / 8.0));
-    const std::vector<uint8_t> saa = Program({{0xFF, 0},
-                                              {0xFE, 0xFF},
-                                              {0xFF, 8},
-                                              {0xFE, 0},
-                                              {0xFF, 16},
-                                              {0xFE, 4},
-                                              {0xFF, 20},
-                                              {0xFE, 1},
-                                              {0xFF, 28},
-                                              {0xFE, 1}});
+    // clang-format off
+    const std::vector<uint8_t> saa = Program({{0xFF, 0}, {0xFE, 0xFF}, {0xFF, 8}, {0xFE, 0}, {0xFF, 16},
+                                              {0xFE, 4}, {0xFF, 20}, {0xFE, 1}, {0xFF, 28}, {0xFE, 1}});
     const WavProbe saaWav = Record(saa);
     EXPECT_NEAR(saaWav.Frequency(129), saaHz * 11025.0 / 11000, 2);
     EXPECT_EQ(saaWav.Max(), 128 + high);
@@ -159,14 +146,9 @@ TEST(SoundChips, RecordingsHoldThePredictedToneAndLevels) {
     EXPECT_EQ(Record(saa, "--control Fsaa.Check2=1").Max(), 128); // "Manual"
 
     // Channel 2 with its tone bit clear sounds only while "patch" is set.
-    const std::vector<uint8_t> patch = Program({{0x33, 2},
-                                                {0x32, 0xFF},
-                                                {0x33, 10},
-                                                {0x32, 0},
-                                                {0x33, 17},
-                                                {0x32, 4},
-                                                {0x33, 28},
-                                                {0x32, 1}});
+    const std::vector<uint8_t> patch = Program({{0x33, 2}, {0x32, 0xFF}, {0x33, 10}, {0x32, 0},
+                                                {0x33, 17}, {0x32, 4}, {0x33, 28}, {0x32, 1}});
+    // clang-format on
     EXPECT_EQ(Record(patch).Max(), 128 + high);
     EXPECT_EQ(Record(patch, "--control Fsaa.Check11=0").Max(), 128);
 }

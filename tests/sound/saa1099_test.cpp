@@ -111,9 +111,10 @@ TEST(Saa1099, SilenceAllEnableAndSyncLeaveThePhasesStanding) {
     for (const auto& k : cases) {
         TestMachine t;
         Machine& m = t.m();
-        Reg(m, 8, 200);
+        Reg(m, 8, 200), Reg(m, 0, 0xFF), Reg(m, 20, 1), Reg(m, 28, 1);
+        m.saa.SaaTonePhase[0] = 0.25;
+        SaaRender(m); // a loud block first: nothing of it may stay
         Reg(m, 0, k.amp);
-        Reg(m, 20, 1);
         Reg(m, 28, k.reg28);
         m.saa.SaaTonePhase[0] = 0.25;
         SaaRender(m);

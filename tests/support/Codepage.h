@@ -20,4 +20,14 @@ inline std::string CodepageUtf8(const char* page, unsigned char byte) {
     return ok ? std::string(out, size_t(op - out)) : std::string();
 }
 
+// The same byte as its code point; 0 when unassigned.
+inline char32_t CodepageChar(const char* page, unsigned char byte) {
+    const std::string u = CodepageUtf8(page, byte);
+    if (u.empty()) return 0;
+    const auto b = [&](size_t i) { return char32_t(static_cast<unsigned char>(u[i])); };
+    if (u.size() == 1) return b(0);
+    if (u.size() == 2) return (b(0) & 0x1F) << 6 | (b(1) & 0x3F);
+    return (b(0) & 0x0F) << 12 | (b(1) & 0x3F) << 6 | (b(2) & 0x3F);
+}
+
 } // namespace tvc::test

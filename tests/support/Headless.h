@@ -12,6 +12,8 @@
 #include <string>
 #include <vector>
 
+#include "support/TestMachine.h"
+
 namespace tvc::test {
 
 struct RunResult {
@@ -37,6 +39,29 @@ inline std::string Slurp(const std::filesystem::path& file) {
     std::ifstream in(file, std::ios::binary);
     return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
 }
+
+// The value of "name" in the JSON object that --dump-regs prints.
+inline long JsonValue(const std::string& json, const std::string& name) {
+    const size_t at = json.find("\"" + name + "\": ");
+    return at == std::string::npos ? -999999 : std::stol(json.substr(at + name.size() + 4));
+}
+
+// A scratch directory with a ROM set, scratch ROMs or the built monitor's,
+// that the runner works in through --dir.
+struct HeadlessDir {
+    ScratchDir dir;
+    explicit HeadlessDir(bool builtRoms = false) {
+        if (!builtRoms)
+            WriteRomSet(dir);
+        else
+            for (const auto& e : std::filesystem::directory_iterator(TVC_FIRMWARE_DIR))
+                std::filesystem::copy_file(e.path(), dir.path() / e.path().filename());
+    }
+    RunResult Run(const std::string& args) const {
+        return RunHeadless("--dir " + dir.path().string() + " " + args);
+    }
+    std::string Read(const std::string& name) const { return Slurp(dir.path() / name); }
+};
 
 struct Shot {
     int width = 0, height = 0;

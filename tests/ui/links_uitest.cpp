@@ -23,19 +23,7 @@ using namespace tvc::ui;
 
 namespace {
 
-struct Fixture {
-    test::ScratchDir dir;
-    test::UiHost host;
-    std::unique_ptr<Machine> m = std::make_unique<Machine>(host);
-    std::unique_ptr<TScreen> w;
-    Fixture() {
-        test::WriteRomSet(dir);
-        MachineInit(*m);
-        MachineReset(*m);
-        w = std::make_unique<TScreen>(*m);
-        host.window = w.get();
-    }
-};
+using Fixture = test::WindowFixture;
 
 } // namespace
 

@@ -24,20 +24,10 @@ using namespace tvc::ui;
 
 namespace {
 
-struct Fixture {
-    test::ScratchDir dir;
-    test::UiHost host;
-    std::unique_ptr<Machine> m = std::make_unique<Machine>(host);
-    std::unique_ptr<TScreen> w;
+struct Fixture : test::WindowFixture {
     TVCmon* mon = nullptr;
-    Fixture() {
-        test::WriteRomSet(dir);
-        MachineInit(*m);
-        MachineReset(*m);
-        m->bus.PortLatch[2] = 0xB0; // RAM everywhere
-        m->menu.xS6 = true;         // Max pace: no audio player to wait for
-        w = std::make_unique<TScreen>(*m);
-        host.window = w.get();
+    Fixture() : WindowFixture(0xB0) { // RAM everywhere
+        m->menu.xS6 = true;           // Max pace: no audio player to wait for
         w->Click("xTVCmon");
         mon = w->tvcmon;
     }

@@ -72,7 +72,9 @@ TEST(Palette, PortsAbove0x63RecordTheLineButAreNoPaletteRegisters) {
     EXPECT_EQ(m.bus.PortLatch[0x64], 0x7F);
     EXPECT_EQ(m.crtc.PalLineLast, 50);
     EXPECT_EQ(m.crtc.PalLine[0][50], 0x15);
+    Out(m, 0x63, 0x2A);
     EXPECT_EQ(TVCcolor(m, 0), 0x15);
+    EXPECT_EQ(TVCcolor(m, 3), 0x2A);
     EXPECT_EQ(TVCcolor(m, 4), 0);
 }
 
@@ -146,6 +148,7 @@ TEST(CrtcPorts, MasksReadsAndTheSpareRegisters) {
     EXPECT_EQ(m.bus.PortLatch[0x71], 0);
     Out(m, 0x76, 0xF2); // the selection masks to 18
     EXPECT_EQ(PortIn(m, 0x71), 18);
+    EXPECT_EQ(PortIn(m, 0x70), 255); // the selection port reads nothing back
 }
 
 } // namespace

@@ -13,53 +13,29 @@ namespace {
 
 constexpr int32_t kOrg = 0x8000; // in RAM U2 with the test paging
 
-struct CostCase {
-    const char* name;
-    std::vector<uint8_t> code;
-    int Z, C; // flags before
-    int B;    // RegB before (DJNZ)
-    int tstates, rStep;
-    int32_t pcAfter; // absolute
-};
-
-// clang-format off
-TEST(BaseExecutor, CostsStepsAndTargets) {
+// Where RegPC goes after each kind of transfer, both ways for the
+// conditional ones; their costs and RegR steps are checked table-wide in
+// base_timing_test.cpp and BaseRStep below.
+TEST(BaseExecutor, BranchTargets) {
     const int32_t ret = 0x1234; // what RET and RET cc pop
-    const CostCase cases[] = {
-        {"NOP", {0x00}, 0, 0, 0, 4, 1, kOrg + 1}, {"LD B,B", {0x40}, 0, 0, 0, 4, 1, kOrg + 1},
-        {"LD A,(HL)", {0x7E}, 0, 0, 0, 7, 1, kOrg + 1}, {"INC (HL)", {0x34}, 0, 0, 0, 11, 1, kOrg + 1},
-        {"LD (HL),n", {0x36, 1}, 0, 0, 0, 10, 1, kOrg + 2},
-        {"LD (nn),HL", {0x22, 0, 0x90}, 0, 0, 0, 16, 1, kOrg + 3},
-        {"LD A,(nn)", {0x3A, 0, 0x90}, 0, 0, 0, 13, 1, kOrg + 3}, {"DAA", {0x27}, 0, 0, 0, 7, 1, kOrg + 1},
-        {"SBC A,n", {0xDE, 1}, 0, 0, 0, 4, 1, kOrg + 2}, {"XOR n", {0xEE, 1}, 0, 0, 0, 2, 1, kOrg + 2},
-        {"OR n", {0xF6, 1}, 0, 0, 0, 2, 1, kOrg + 2}, {"CP n", {0xFE, 1}, 0, 0, 0, 7, 1, kOrg + 2},
-        {"LD SP,HL", {0xF9}, 0, 0, 0, 10, 1, kOrg + 1}, {"EX (SP),HL", {0xE3}, 0, 0, 0, 19, 2, kOrg + 1},
-        {"IN A,(n)", {0xDB, 0x80}, 0, 0, 0, 11, 3, kOrg + 2},
-        {"OUT (n),A", {0xD3, 0x80}, 0, 0, 0, 11, 1, kOrg + 2}, {"RST 08", {0xCF}, 0, 0, 0, 11, 2, 0x08},
-        {"RST 38", {0xFF}, 0, 0, 0, 11, 1, 0x38}, {"RET", {0xC9}, 0, 0, 0, 10, 1, ret},
-        {"RET NZ taken", {0xC0}, 0, 0, 0, 10, 2, ret}, {"RET NZ not taken", {0xC0}, 1, 0, 0, 5, 2, kOrg + 1},
-        {"RET C taken", {0xD8}, 0, 1, 0, 10, 2, ret}, {"JP nn", {0xC3, 0x00, 0x90}, 0, 0, 0, 10, 1, 0x9000},
-        {"JP NZ taken", {0xC2, 0x00, 0x90}, 0, 0, 0, 10, 0, 0x9000},
-        {"JP NZ not taken", {0xC2, 0x00, 0x90}, 1, 0, 0, 10, 1, kOrg + 3},
-        {"JP Z taken", {0xCA, 0x00, 0x90}, 1, 0, 0, 10, 1, 0x9000},
-        {"JP Z not taken", {0xCA, 0x00, 0x90}, 0, 0, 0, 6, 1, kOrg + 3},
-        {"JP NC not taken", {0xD2, 0x00, 0x90}, 0, 1, 0, 6, 1, kOrg + 3},
-        {"JP C taken", {0xDA, 0x00, 0x90}, 0, 1, 0, 0, 1, 0x9000},
-        {"JP C not taken", {0xDA, 0x00, 0x90}, 0, 0, 0, 6, 1, kOrg + 3},
-        {"JR e", {0x18, 0xFE}, 0, 0, 0, 12, 1, kOrg},
-        {"JR NZ taken", {0x20, 0x10}, 0, 0, 0, 12, 1, kOrg + 0x12},
-        {"JR NZ not taken", {0x20, 0x10}, 1, 0, 0, 7, 1, kOrg + 2},
-        {"JR C back", {0x38, 0x80}, 0, 1, 0, 12, 1, kOrg + 2 - 128},
-        {"DJNZ B=1 falls through", {0x10, 0x10}, 0, 0, 1, 8, 1, kOrg + 2},
-        {"DJNZ B=5 jumps", {0x10, 0x10}, 0, 0, 5, 13, 1, kOrg + 0x12},
-        {"DJNZ B=0 wraps and jumps", {0x10, 0x10}, 0, 0, 0, 13, 1, kOrg + 0x12},
-        {"CALL nn", {0xCD, 0x00, 0x90}, 0, 0, 0, 17, 1, 0x9000},
-        {"CALL Z taken", {0xCC, 0x00, 0x90}, 1, 0, 0, 17, 1, 0x9000},
-        {"CALL Z not taken", {0xCC, 0x00, 0x90}, 0, 0, 0, 10, 1, kOrg + 3},
-        {"PUSH BC", {0xC5}, 0, 0, 0, 11, 1, kOrg + 1}, {"POP BC", {0xC1}, 0, 0, 0, 10, 1, kOrg + 1},
-        {"EX DE,HL", {0xEB}, 0, 0, 0, 4, 1, kOrg + 1}, {"HALT", {0x76}, 0, 0, 0, 4, 1, kOrg},
+    // clang-format off
+    const struct { const char* name; std::vector<uint8_t> code; int Z, C, B; int32_t pcAfter; } cases[] = {
+        {"RST 08", {0xCF}, 0, 0, 0, 0x08},                 {"RST 38", {0xFF}, 0, 0, 0, 0x38},
+        {"RET", {0xC9}, 0, 0, 0, ret},                     {"RET NZ taken", {0xC0}, 0, 0, 0, ret},
+        {"RET NZ not taken", {0xC0}, 1, 0, 0, kOrg + 1},   {"RET C taken", {0xD8}, 0, 1, 0, ret},
+        {"JP nn", {0xC3, 0x00, 0x90}, 0, 0, 0, 0x9000},    {"JP NZ taken", {0xC2, 0x00, 0x90}, 0, 0, 0, 0x9000},
+        {"JP NZ not taken", {0xC2, 0x00, 0x90}, 1, 0, 0, kOrg + 3},
+        {"JP C taken", {0xDA, 0x00, 0x90}, 0, 1, 0, 0x9000},
+        {"JP C not taken", {0xDA, 0x00, 0x90}, 0, 0, 0, kOrg + 3},
+        {"JR e", {0x18, 0xFE}, 0, 0, 0, kOrg},             {"JR NZ taken", {0x20, 0x10}, 0, 0, 0, kOrg + 0x12},
+        {"JR NZ not taken", {0x20, 0x10}, 1, 0, 0, kOrg + 2}, {"JR C back", {0x38, 0x80}, 0, 1, 0, kOrg + 2 - 128},
+        {"DJNZ B=1 falls through", {0x10, 0x10}, 0, 0, 1, kOrg + 2},
+        {"DJNZ B=0 wraps and jumps", {0x10, 0x10}, 0, 0, 0, kOrg + 0x12},
+        {"CALL Z taken", {0xCC, 0x00, 0x90}, 1, 0, 0, 0x9000},
+        {"CALL Z not taken", {0xCC, 0x00, 0x90}, 0, 0, 0, kOrg + 3}, {"HALT", {0x76}, 0, 0, 0, kOrg},
     };
-    for (const CostCase& k : cases) {
+    // clang-format on
+    for (const auto& k : cases) {
         SCOPED_TRACE(k.name);
         TestMachine t;
         Z80& c = t.cpu();
@@ -67,19 +43,13 @@ TEST(BaseExecutor, CostsStepsAndTargets) {
         c.RegSP = 0xA000;
         MemWrite(t.m(), 0xA000, ret & 255);
         MemWrite(t.m(), 0xA001, ret >> 8);
-        c.SetHL(0x9100);
-        c.FlagZ = k.Z;
-        c.FlagC = k.C;
-        c.RegB = k.B;
-        c.RegR = 0;
+        c.FlagZ = k.Z, c.FlagC = k.C, c.RegB = k.B;
         const int32_t t0 = c.TStates;
         t.Step();
-        EXPECT_EQ(c.TStates - t0, k.tstates);
-        EXPECT_EQ(c.RegR, k.rStep);
         EXPECT_EQ(c.RegPC, k.pcAfter);
+        if (k.B == 0 && k.code[0] == 0x10) { EXPECT_EQ(c.TStates - t0, 13); }
     }
 }
-// clang-format on
 
 TEST(BaseExecutor, PrefixStageCostsNothingAndOpensTheNextStage) {
     for (int prefix : {0xCB, 0xDD, 0xED, 0xFD}) {
@@ -201,10 +171,13 @@ TEST(BaseExecutor, CpuResetState) {
     c.RegPC = 0x1234, c.RegI = 5, c.IntMode = 1, c.IFF1 = c.IFF2 = 1, c.Halted = 1;
     const int32_t t0 = c.TStates;
     c.CpuReset();
-    EXPECT_EQ(c.RegA + c.RegB + c.RegL + c.RegA2 + c.RegL2, 5 * 255);
+    for (int32_t r : {c.RegA, c.RegB, c.RegC, c.RegD, c.RegE, c.RegH, c.RegL, c.RegA2, c.RegB2,
+                      c.RegC2, c.RegD2, c.RegE2, c.RegH2, c.RegL2})
+        EXPECT_EQ(r, 255);
     EXPECT_EQ(c.RegIX & c.RegIY & c.RegSP, 65535);
     EXPECT_EQ(c.FlagsByte(), 0xFF);
-    EXPECT_EQ(c.FlagC2, 1);
+    EXPECT_EQ(c.FlagS2 & c.FlagZ2 & c.FlagY2 & c.FlagH2 & c.FlagX2 & c.FlagP2 & c.FlagN2 & c.FlagC2,
+              1);
     EXPECT_EQ(c.RegPC | c.RegI | c.RegR | c.IntMode | c.IFF1 | c.IFF2 | c.Halted, 0);
     EXPECT_EQ(c.TStates, t0 + 3);
 }

@@ -11,6 +11,25 @@ constexpr ControlItem kItems[] = {
     CheckItem<&Controls::Fsaa, &FsaaControls::Check11>("Fsaa.Check11"),
     CheckItem<&Controls::Fsaa, &FsaaControls::Check12>("Fsaa.Check12"),
     CheckItem<&Controls::FSN76489, &FSN76489Controls::Check3>("FSN76489.Check3"),
+    // The hand controls that the "Manual" ticks write into the chips.
+    ArrayItem<&Controls::Fsaa, &FsaaControls::HScroll4, 6>("Fsaa.HScroll4", 0, 255),
+    ArrayItem<&Controls::Fsaa, &FsaaControls::HScroll3, 6>("Fsaa.HScroll3", 0, 7),
+    ArrayItem<&Controls::Fsaa, &FsaaControls::HScroll1, 6>("Fsaa.HScroll1", 0, 15),
+    ArrayItem<&Controls::Fsaa, &FsaaControls::HScroll2, 6>("Fsaa.HScroll2", 0, 15),
+    ArrayItem<&Controls::Fsaa, &FsaaControls::Check1, 6>("Fsaa.Check1", 0, 1),
+    ArrayItem<&Controls::Fsaa, &FsaaControls::Check3, 6>("Fsaa.Check3", 0, 1),
+    ArrayItem<&Controls::Fsaa, &FsaaControls::HScroll5, 2>("Fsaa.HScroll5", 0, 3),
+    ArrayItem<&Controls::Fsaa, &FsaaControls::HScroll6, 2>("Fsaa.HScroll6", 0, 7),
+    ArrayItem<&Controls::Fsaa, &FsaaControls::Check7, 2>("Fsaa.Check7", 0, 1),
+    ArrayItem<&Controls::Fsaa, &FsaaControls::Check4, 2>("Fsaa.Check4", 0, 1),
+    ArrayItem<&Controls::Fsaa, &FsaaControls::Check5, 2>("Fsaa.Check5", 0, 1),
+    ArrayItem<&Controls::Fsaa, &FsaaControls::Check6, 2>("Fsaa.Check6", 0, 1),
+    CheckItem<&Controls::Fsaa, &FsaaControls::Check8>("Fsaa.Check8"),
+    CheckItem<&Controls::Fsaa, &FsaaControls::Check9>("Fsaa.Check9"),
+    // One range for the tones and the noise rate: the tick holds each to its own.
+    ArrayItem<&Controls::FSN76489, &FSN76489Controls::HScroll3, 4>("FSN76489.HScroll3", 0, 1023),
+    ArrayItem<&Controls::FSN76489, &FSN76489Controls::HScroll4, 4>("FSN76489.HScroll4", 0, 15),
+    CheckItem<&Controls::FSN76489, &FSN76489Controls::Check2>("FSN76489.Check2"),
 };
 
 } // namespace

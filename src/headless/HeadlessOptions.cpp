@@ -21,7 +21,10 @@ Machine set-up (applied in this order):
   --control FORM.NAME[(i)]=V
                          set a chip panel's control before the run, element i
                          of a control array (Fsaa.Check2=1 "Manual",
-                         Fsaa.Check11=0 "patch", FSN76489.Check3=1, ...)
+                         Fsaa.Check11=0 "patch", FSN76489.Check3=1, ...);
+                         with "Manual" set the SAA1099 and SN76489 panels'
+                         timers write their controls into the chip every
+                         fifth frame (Fsaa.HScroll4(0)=33, FSN76489.HScroll4(0)=15)
   --tape-in FILE         open FILE as the tape input, as the deck's file list
                          does ("load.wav" is opened before it in any case);
                          a wave that is not 8-bit mono is converted on opening

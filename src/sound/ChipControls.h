@@ -10,6 +10,11 @@ namespace tvc {
 // The SN76489 panel.
 struct FSN76489Controls {
     bool Check3 = false; // "Manual": the program's writes are dropped
+    // "Freq": tones 1 to 1,023, the noise (element 3) 0 to 3.
+    int32_t HScroll3[4] = {666, 666, 666, 0};
+    int32_t HScroll4[4] = {}; // "Volume": 0 to 15
+    bool Check2 = false;      // "Periodic Noise"
+    bool Check1 = false;      // "Circuit": shows the diagram
 };
 
 // The AY-3-8910 panel: the labels the renderer fills every fifth block.

@@ -24,6 +24,18 @@ struct Chip {
     void (*render)(Machine&);
 };
 
+// Nine channels keyed on with FM: the costliest case.
+std::vector<std::pair<int, int>> YmNineKeys() {
+    std::vector<std::pair<int, int>> w;
+    auto reg = [&](int r, int v) { w.insert(w.end(), {{0x34, r}, {0x35, v}}); };
+    for (int c = 0; c < 9; ++c) {
+        const int mod = (c / 3) * 8 + c % 3;
+        reg(0x20 + mod, 1 + c % 4), reg(0x23 + mod, 1), reg(0x40 + mod, 4), reg(0x43 + mod, 0);
+        reg(0xC0 + c, 2 * (c % 8)), reg(0xA0 + c, 0x48 + 9 * c), reg(0xB0 + c, 0x32);
+    }
+    return w;
+}
+
 const Chip kChips[] = {
     {"SAA1099",
      {{0xFF, 0},  {0xFE, 0xFF}, {0xFF, 1},  {0xFE, 0xFF}, {0xFF, 2},  {0xFE, 0xFF},
@@ -52,6 +64,18 @@ const Chip kChips[] = {
       {0x3B, 7},  {0x3A, 7},   {0x3B, 0},  {0x3A, 8},   {0x3B, 15}, {0x3A, 9},  {0x3B, 16},
       {0x3A, 10}, {0x3B, 12},  {0x3A, 11}, {0x3B, 40},  {0x3A, 13}, {0x3B, 14}},
      AyRender},
+    {"YM3812", YmNineKeys(), YmRender},
+    {"YM2413",
+     {{0x3C, 0x10}, {0x3D, 33},  {0x3C, 0x11}, {0x3D, 99},  {0x3C, 0x14}, {0x3D, 150},
+      {0x3C, 0x15}, {0x3D, 200}, {0x3C, 0x20}, {0x3D, 0x19}, {0x3C, 0x21}, {0x3D, 0x18},
+      {0x3C, 0x24}, {0x3D, 0x1A}, {0x3C, 0x25}, {0x3D, 0x16}, {0x3C, 0x30}, {0x3D, 15},
+      {0x3C, 0x31}, {0x3D, 12},  {0x3C, 0x34}, {0x3D, 9},   {0x3C, 0x35}, {0x3D, 6}},
+     Ym2Render},
+    {"SID",
+     {{0xE0, 0x41}, {0xE1, 0x1D}, {0xE4, 0x21}, {0xE6, 0xF0}, {0xE7, 0x00}, {0xE8, 0x30},
+      {0xEA, 0x08}, {0xEB, 0x41}, {0xED, 0xF0}, {0xEE, 0x00}, {0xEF, 0x40}, {0xF2, 0x81},
+      {0xF4, 0xF0}, {0xF6, 0x80}, {0xF7, 0x07}, {0xF8, 0x5F}},
+     SidRender},
 };
 
 std::unique_ptr<Machine> Build(NullHost& host) {
@@ -60,6 +84,9 @@ std::unique_ptr<Machine> Build(NullHost& host) {
     SaaLoadTable(*m);
     SnReset(*m);
     AyInit(*m);
+    YmInit(*m);
+    Ym2Reset(*m);
+    SidReset(*m);
     return m;
 }
 
@@ -92,7 +119,7 @@ template <class F> double MsPerSecond(Machine& m, int seconds, F render) {
 int main(int argc, char** argv) {
     const int seconds = argc > 1 ? std::atoi(argv[1]) : 20;
     NullHost host;
-    std::printf("host ms per emulated second (%d s each; target: under 10 sounding, 0.5 silent)\n",
+    std::printf("host ms per emulated second (%d s each; target: under 10 sounding, YM3812 25, 0.5 silent; SoundMix 50)\n",
                 seconds);
     auto mix = Build(host);
     for (const Chip& chip : kChips) {

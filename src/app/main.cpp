@@ -13,6 +13,7 @@
 #include "app/SingleInstance.h"
 #include "core/Machine.h"
 #include "hw/MachineSetup.h"
+#include "sound/PortSinks.h"
 #include "media/Disk.h"
 #include "sound/SoundFX.h"
 #include "ui/main/QtHost.h"
@@ -70,6 +71,9 @@ int main(int argc, char** argv) {
 
     tvc::ui::QtHost host;
     auto machine = std::make_unique<tvc::Machine>(host);
+    // The YM3812's "Direct I/O port:" writes to a real OPL2 card's ports.
+    tvc::DevPortSink ymPort;
+    machine->ym.DirectSink = &ymPort;
     tvc::ui::TScreen window(*machine);
     host.SetWindow(&window);
     CloseOnSignals(window);

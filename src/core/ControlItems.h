@@ -31,6 +31,17 @@ template <auto Form, auto Field> constexpr ControlItem CheckItem(const char* nam
             [](const Controls& c, int32_t) { return int32_t((c.*Form).*Field); }};
 }
 
+// A single integer control (a scroll bar).
+template <auto Form, auto Field>
+constexpr ControlItem ValueItem(const char* name, int32_t lo, int32_t hi) {
+    return {name,
+            0,
+            lo,
+            hi,
+            [](Controls& c, int32_t, int32_t v) { (c.*Form).*Field = v; },
+            [](const Controls& c, int32_t) { return int32_t((c.*Form).*Field); }};
+}
+
 // One element of a control array of integers (check boxes, scroll bars).
 template <auto Form, auto Field, int32_t N>
 constexpr ControlItem ArrayItem(const char* name, int32_t lo, int32_t hi) {

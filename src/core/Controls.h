@@ -82,6 +82,9 @@ struct Controls {
     FsaaControls Fsaa;
     FSN76489Controls FSN76489;
     T8910Controls T8910;
+    FYM3812Controls FYM3812;
+    FYM2413Controls FYM2413;
+    FSIDControls FSID;
     MediaControls Media;
     AsseControls asse;
     TSerialControls TSerial;

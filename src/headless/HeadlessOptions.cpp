@@ -25,6 +25,12 @@ Machine set-up (applied in this order):
                          with "Manual" set the SAA1099 and SN76489 panels'
                          timers write their controls into the chip every
                          fifth frame (Fsaa.HScroll4(0)=33, FSN76489.HScroll4(0)=15)
+  --sid-file FILE        the SID plays FILE, a dump in the working directory,
+                         as the panel's option ("SIDX" for .sidx, "DMP" for
+                         .dmp) and a click on the file in its list do
+  --ym-direct FILE       tick the YM3812's "Direct I/O port:" box and log its
+                         writes to FILE, one line each: frame, T-state in the
+                         frame, port, value (decimal; ports Text2 and Text2 + 1)
   --tape-in FILE         open FILE as the tape input, as the deck's file list
                          does ("load.wav" is opened before it in any case);
                          a wave that is not 8-bit mono is converted on opening
@@ -157,6 +163,7 @@ constexpr std::string_view kValueOptions[] = {
 };
 constexpr std::string_view kLinkValueOptions[] = {"--serial-in", "--serial-out", "--printer-out",
                                                   "--errorsim"};
+constexpr std::string_view kSoundValueOptions[] = {"--ym-direct", "--sid-file"};
 
 bool KnownMenuItem(const std::string& name) {
     for (const MenuItem& item : kMenuItems)
@@ -226,7 +233,9 @@ std::optional<Options> ParseOptions(const std::vector<std::string>& args, std::s
         if (std::find(std::begin(kValueOptions), std::end(kValueOptions), name) ==
                 std::end(kValueOptions) &&
             std::find(std::begin(kLinkValueOptions), std::end(kLinkValueOptions), name) ==
-                std::end(kLinkValueOptions))
+                std::end(kLinkValueOptions) &&
+            std::find(std::begin(kSoundValueOptions), std::end(kSoundValueOptions), name) ==
+                std::end(kSoundValueOptions))
             return fail("unknown option " + name);
         if (eq != std::string::npos) {
             value = a.substr(eq + 1);
@@ -269,6 +278,9 @@ std::optional<Options> ParseOptions(const std::vector<std::string>& args, std::s
                             "in its range, not '" +
                             value + "'");
             o.controls.emplace_back(l, *v);
+        } else if (name == "--ym-direct" || name == "--sid-file") {
+            if (value.empty()) return fail(name + " takes a file name");
+            (name == "--ym-direct" ? o.ymDirect : o.sidFile) = value;
         } else if (name == "--cart") {
             if (value.empty()) return fail("--cart takes a file name");
             o.cart = value;

@@ -58,6 +58,8 @@ struct Options {
     std::optional<std::string> serialBridge;           // link of the bridge started for the run
     std::optional<std::string> printerOut;             // the printer's bytes
     std::optional<ErrorSimSetting> errorsim;
+    std::optional<std::string> ymDirect; // log of the YM3812's direct output
+    std::optional<std::string> sidFile;  // SIDX or DMP dump the SID plays
     bool help = false;
 };
 

@@ -31,6 +31,7 @@
 #include "media/MediaFiles.h"
 #include "media/Tape.h"
 #include "media/Disk.h"
+#include "sound/PortSinks.h"
 #include "sound/SoundFX.h"
 #include "sound/WavRecorder.h"
 
@@ -315,6 +316,21 @@ int Main(const std::vector<std::string>& args) {
             audio.Add(unit, bytes);
         };
     }
+    if (o.sidFile && !SidPlayFile(m, *o.sidFile, error)) {
+        std::cerr << "tvc-headless: --sid-file: " << error << '\n';
+        return kExitIo;
+    }
+    std::FILE* ymLog = nullptr;
+    std::optional<LogPortSink> ymSink;
+    if (o.ymDirect) {
+        if (!(ymLog = std::fopen(o.ymDirect->c_str(), "w"))) {
+            std::cerr << "tvc-headless: cannot write " << *o.ymDirect << '\n';
+            return kExitIo;
+        }
+        ymSink.emplace(m, ymLog);
+        m.ym.DirectSink = &*ymSink;
+        m.forms.FYM3812.Check3 = true;
+    }
     if (o.tapeOut) TapeRecord(m, true);
     if (o.asmFile && o.asmAfter) {
         m.run.RunFlag = 1;
@@ -324,6 +340,11 @@ int Main(const std::vector<std::string>& args) {
     Run(m, o, keys ? &*keys : nullptr);
     m.sound.DeliveryTap = nullptr;
     audio.Close();
+    m.ym.DirectSink = nullptr;
+    if (ymLog && std::fclose(ymLog) != 0) {
+        std::cerr << "tvc-headless: cannot write " << *o.ymDirect << '\n';
+        return kExitIo;
+    }
     if (o.tapeOut) {
         TapeRecord(m, false);
         std::error_code ec;

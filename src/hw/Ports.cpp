@@ -163,7 +163,10 @@ void PortOut(Machine& m, int32_t port, int32_t& value) {
     case 0xFE:
     case 0xFF: SaaWrite(m, static_cast<uint8_t>(port), byte); return;
     case 0x34:
-    case 0x35: YmWrite(m, static_cast<uint8_t>(port), byte); return;
+    case 0x35:
+        YmWrite(m, static_cast<uint8_t>(port), byte);
+        YmDirect(m, static_cast<uint8_t>(port), byte);
+        return;
     case 0x36:
     case 0x37: LoadSoundCardPage(m, value & 3); return;
     case 0x38:

@@ -4,6 +4,9 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace tvc {
 
@@ -25,6 +28,61 @@ struct T8910Controls {
     int32_t Mix[3] = {};    // mixer bits of the channel
     int32_t Shape = 0;      // envelope shape
     int32_t EnvFreq = 0;    // envelope frequency in Hz
+};
+
+// The YM3812 panel.
+struct FYM3812Controls {
+    bool Check1[9] = {true, true, true, true, true, true, true, true, true}; // "TONE n": on
+    bool Check3 = false;       // "Direct I/O port:": writes also go to the host port
+    std::string Text2 = "896"; // the host port of the address register, decimal
+    std::string Text1[8] = {"e6", "20", "c1", "92", "00", "97", "31", "21"}; // instrument, hex
+};
+
+// The YM2413 panel: "ON" boxes the renderer reads, and what it shows.
+struct FYM2413Controls {
+    bool Check7[9] = {true, true, true, true, true, true, true, true, true}; // "ON"
+    int32_t Label6[9] = {}; // Freq of each channel, Hz, integer part
+    std::string Label8[9];  // the instrument's name by register 0x30 + c
+    bool Check1 = false;    // "6 sound + 5 percussion": mirrors register 0x0E bit 5
+    bool Check2to6[5] = {}; // "dob 1" and the rest: register 0x0E bits 0 to 4
+};
+
+// The SID panel. The "Exp" frame's filters (Check1 to Check3 with HScroll1 to
+// HScroll3 and Text1) act on the chip's output; the scroll bars scale the
+// envelope tables when a gate rises.
+struct FSIDControls {
+    bool Check1 = false;                 // "High Pass"
+    bool Check2 = false;                 // "Low Pass"
+    bool Check3 = false;                 // "Butterfly Pass"
+    bool Check4 = false;                 // "Wobbler": the sweep
+    bool Check5 = false;                 // holds the sweep at 440 Hz
+    bool Check6 = true;                  // "ADSR On"
+    bool Check7 = true;                  // "Filter On": the chip's own low and high pass
+    bool Check8 = false;                 // "Exp": shows the experimental filters
+    bool Check9[3] = {true, true, true}; // "TONE n": voice on
+    bool Check10 = true;                 // "Ring On": sync and ring
+    int32_t HScroll1 = 50;               // high pass, 0 to 100
+    int32_t HScroll2 = 50;               // low pass, 0 to 100
+    int32_t HScroll3 = 50;               // band filter, 0 to 100
+    int32_t HScroll4 = 440;              // attack and release scale, 1 to 1,200
+    int32_t HScroll5 = 440;              // decay scale, 1 to 1,200
+    int32_t HScroll6 = 0;                // shows the chip low pass's coefficient x 100
+    std::string Text1 = "1";             // panel filter passes, less one
+    std::string Text2, Text3;            // the write box: home-machine address and value
+    int32_t Label15 = 0;                 // the sweep's frequency, Hz
+    int32_t Label25 = 0, Label26 = 0;    // the player's counters; only ever set to 0
+
+    // Dump playback: Option 0 "No File", 1 "SIDX", 2 "DMP"; File1List lists the
+    // working directory by the option's pattern, File1 is the selected name.
+    int32_t Option = 0;
+    std::vector<std::string> File1List;
+    std::string File1;
+
+    // The sweep's response plot: points (x, y) drawn on Pic2 since it was
+    // last cleared; y is reckoned from Pic2ScaleHeight, which the panel sets.
+    int32_t Pic2ScaleHeight = 200;
+    std::vector<std::pair<int32_t, int32_t>> Pic2Points;
+    uint32_t Pic2Clears = 0; // bumped each time the sweep clears the picture
 };
 
 } // namespace tvc

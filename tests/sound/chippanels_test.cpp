@@ -10,6 +10,7 @@
 #include "core/RunLoop.h"
 #include "hw/Ports.h"
 #include "sound/ChipPanels.h"
+#include "sound/Ym3812.h"
 #include "support/Headless.h"
 #include "support/TestMachine.h"
 #include "support/WavProbe.h"
@@ -165,18 +166,147 @@ TEST(ChipPanels, PicturesScaleTheLastBlock) {
         m.sn.SnMatrix[x][2] = int16_t(x - 220);
         m.ay.AyColumns[1][x] = float(x % 33 - 16);
         m.ay.AyColumns[4][x] = float(x % 2);
+        m.ym2.Ym2Matrix[7][x] = int16_t(135 - x);
+        m.sid.SidColumns[2][x] = float(x % 5) / 2 - 1;
     }
     const Trace saa = ScopeTrace(m, Scope::Saa, 4), sn = ScopeTrace(m, Scope::Sn, 2),
-                ay = ScopeTrace(m, Scope::Ay, 1), env = ScopeTrace(m, Scope::Ay, 4);
+                ay = ScopeTrace(m, Scope::Ay, 1), env = ScopeTrace(m, Scope::Ay, 4),
+                ym2 = ScopeTrace(m, Scope::Ym2413, 7), sid = ScopeTrace(m, Scope::Sid, 2);
     for (int x = 0; x < kTracePoints; ++x) {
         EXPECT_EQ(saa[x], RoundHalfEven(x / 10.0) + 32) << x;
         EXPECT_EQ(sn[x], std::trunc((x - 220) / 20.0) + 32) << x;
         EXPECT_EQ(ay[x], (x % 33 - 16) * 2 + 32) << x;
         EXPECT_EQ(env[x], x % 2 * 30 + 32) << x;
+        EXPECT_EQ(ym2[x], std::trunc((135 - x) / 8.0) + 32) << x;
+        EXPECT_EQ(sid[x], RoundHalfEven((x % 5 / 2.0 - 1) * 30) + 32) << x;
     }
     EXPECT_EQ(ScopeCount(Scope::Saa), 6);
     EXPECT_EQ(ScopeCount(Scope::Sn), 4);
     EXPECT_EQ(ScopeCount(Scope::Ay), 5);
+    EXPECT_EQ(ScopeCount(Scope::Ym2413), 9);
+    EXPECT_EQ(ScopeCount(Scope::Sid), 3);
+}
+
+// The YM3812 editor's registers as the panel packs its sliders.
+TEST(ChipPanels, YmEditorPacksTheInstrument) {
+    FYM3812Controls c;
+    int* s = c.HScroll1;
+    const int mod[8] = {5, 40, 2, 12, 3, 9, 6, 1}, car[8] = {15, 0, 3, 1, 15, 0, 2, 3};
+    std::copy(mod, mod + 8, s);
+    std::copy(car, car + 8, s + 8);
+    s[16] = 6;
+    const bool flags[8] = {true, false, true, false, false, true, false, true};
+    std::copy(flags, flags + 8, c.Check2);
+    auto pack = [&](const int* op, const bool* f) {
+        return std::array<int, 5>{(f[0] * 8 + f[1] * 4 + f[2] * 2 + f[3]) * 16 + op[0],
+                                  op[2] * 32 + 63 - op[1], op[3] * 16 + op[4], op[5] * 16 + op[6],
+                                  op[7]};
+    };
+    const auto m = pack(mod, flags), k = pack(car, flags + 4);
+    const std::vector<RegWrite> want = {{0x01, 32},
+                                        {0xBD, 0xC0},
+                                        {0x20, uint8_t(m[0])},
+                                        {0x23, uint8_t(k[0])},
+                                        {0x40, uint8_t(m[1])},
+                                        {0x43, uint8_t(k[1])},
+                                        {0xC0, 12},
+                                        {0x60, uint8_t(m[2])},
+                                        {0x80, uint8_t(m[3])},
+                                        {0x63, uint8_t(k[2])},
+                                        {0x83, uint8_t(k[3])},
+                                        {0xE0, uint8_t(m[4])},
+                                        {0xE3, uint8_t(k[4])}};
+    EXPECT_EQ(YmInstrumentWrites(c), want);
+    const int mirrored[8] = {m[0], k[0], m[1], k[1], m[2], m[3], k[2], k[3]};
+    for (int i = 0; i < 8; ++i)
+        EXPECT_EQ(YmTextValue(c, i), mirrored[i]) << i;
+
+    // Enter in a mirror box sets its register's sliders; a value the
+    // sliders cannot pack stops at the largest they can.
+    const struct {
+        int box;
+        const char* text;
+        int packed;
+    } typed[] = {{0, "e6", 0xE6}, {1, "20", 0x20}, {2, "c1", 159},  {3, "92", 0x92},
+                 {4, "00", 0},    {5, "97", 0x97}, {6, "31", 0x31}, {7, "21", 0x21},
+                 {2, "zz", 0},    {3, "1F", 0x1F}, {0, "100", 0xFF}};
+    for (const auto& t : typed) {
+        YmTextEnter(c, t.box, t.text);
+        EXPECT_EQ(YmTextValue(c, t.box), t.packed) << t.box << " " << t.text;
+    }
+}
+
+// A sink that keeps what the direct path passes on.
+struct Sink : PortSink {
+    std::vector<std::pair<int, int>> seen;
+    bool Out(uint16_t port, uint8_t value, std::string&) override {
+        seen.emplace_back(port, value);
+        return true;
+    }
+};
+
+TEST(ChipPanels, YmKeyboardAndResetGoThroughThePorts) {
+    TestMachine t;
+    Machine& m = t.m();
+    Sink sink;
+    m.ym.DirectSink = &sink;
+    m.forms.FYM3812.Check3 = true;
+    const char keys[] = "ASDFGHJK";
+    const int values[8] = {343, 385, 432, 458, 514, 577, 647, 686};
+    for (int i = 0; i < 8; ++i) {
+        ASSERT_TRUE(YmKeyDown(m, keys[i]));
+        EXPECT_EQ(m.ym.YmRegs[0xA0], values[i] / 3);
+        EXPECT_EQ(m.ym.YmRegs[0xB0], 0x30);
+    }
+    EXPECT_TRUE(YmKeyDown(m, 'g'));
+    EXPECT_FALSE(YmKeyDown(m, 'Q'));
+    EXPECT_FALSE(YmKeyDown(m, 0));
+    YmKeyUp(m);
+    EXPECT_EQ(m.ym.YmRegs[0xB0], 16);
+    const std::vector<std::pair<int, int>> keyed = {
+        {896, 0xA0}, {897, 514 / 3}, {896, 0xB0}, {897, 0x30}};
+    ASSERT_GE(sink.seen.size(), 4u);
+    EXPECT_EQ(std::vector(sink.seen.end() - 6, sink.seen.end() - 2), keyed);
+
+    sink.seen.clear();
+    for (int r = 0; r < 256; ++r)
+        m.ym.YmRegs[r] = 0x55;
+    YmResetButton(m);
+    ASSERT_EQ(sink.seen.size(), 255u * 2);
+    for (int r = 0; r < 255; ++r) {
+        EXPECT_EQ(sink.seen[2 * r], std::pair(896, r));
+        EXPECT_EQ(sink.seen[2 * r + 1], std::pair(897, 0));
+        EXPECT_EQ(m.ym.YmRegs[r], 0);
+    }
+    EXPECT_EQ(m.ym.YmRegs[255], 0x55);
+    m.ym.DirectSink = nullptr;
+}
+
+TEST(ChipPanels, SidBoxTakesHomeMachineAddresses) {
+    const struct {
+        const char *address, *value;
+        int reg, byte;
+    } rows[] = {{"54272", "17", 0, 17},     {"54296", "15", 24, 15}, {"54276", " 65x", 4, 65},
+                {"54000", "300", 0, 255},   {"99999", "-4", 255, 0}, {"abc", "", 0, 0},
+                {"54290 ", "0129", 18, 129}};
+    for (const auto& r : rows) {
+        FSIDControls c;
+        c.Text2 = r.address, c.Text3 = r.value;
+        const std::vector<PortWrite> want = {{0x38, uint8_t(r.reg)}, {0x39, uint8_t(r.byte)}};
+        EXPECT_EQ(SidBoxWrites(c), want) << r.address;
+    }
+    TestMachine t;
+    Machine& m = t.m();
+    m.forms.FSID.Text2 = "54273", m.forms.FSID.Text3 = "200";
+    SidWriteButton(m);
+    EXPECT_EQ(m.sid.SidRegs[1], 200);
+}
+
+TEST(ChipPanels, FilterModeNames) {
+    const char* names[] = {"Off", "Low", "Bnd", "Hi ", "L+H", "B+H", "L+B", "", ""};
+    for (int mode = 0; mode < 9; ++mode)
+        EXPECT_STREQ(SidModeName(mode), names[mode]) << mode;
+    EXPECT_STREQ(SidModeName(-1), "");
 }
 
 TEST(ChipPanels, HeadlessManualPlaysTheSlidersTone) {

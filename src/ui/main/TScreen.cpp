@@ -31,7 +31,10 @@
 #include "ui/links/TSerial.h"
 #include "ui/monitors/CPUmon.h"
 #include "ui/monitors/TVCmon.h"
+#include "ui/panels/FSID.h"
 #include "ui/panels/FSN76489.h"
+#include "ui/panels/FYM2413.h"
+#include "ui/panels/FYM3812.h"
 #include "ui/panels/Fsaa.h"
 #include "ui/panels/T8910.h"
 #include "video/Screen.h"
@@ -364,6 +367,9 @@ ChipPanel* TScreen::Panel(const std::string& item) {
     ChipPanel* made = nullptr;
     if (item == "xsaa") made = new Fsaa(m_, this);
     if (item == "xSN76") made = new FSN76489(m_, this);
+    if (item == "xYM") made = new FYM3812(m_, this);
+    if (item == "xYM2") made = new FYM2413(m_, this);
+    if (item == "xSID") made = new FSID(m_, this);
     if (item == "xAY3") made = new T8910(m_, this);
     if (made) panels[item] = made;
     return made;

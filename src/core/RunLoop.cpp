@@ -3,6 +3,7 @@
 #include <string>
 
 #include "core/Machine.h"
+#include "core/RunPassInline.h"
 #include "core/MonitorText.h"
 #include "core/Numbers.h"
 #include "hw/MachineSetup.h"
@@ -18,6 +19,8 @@ namespace {
 constexpr int32_t kCursorStartT = 392; // T-states before the first character
 constexpr int32_t kCharRowT = 1360;    // one character row
 // One character position is 13.6 T-states: pos = FrameT * 100 / 1360.
+
+} // namespace
 
 void SampleInterrupts(Machine& m) {
     Z80& cpu = m.cpu;
@@ -36,20 +39,6 @@ void SampleInterrupts(Machine& m) {
             cpu.Halted = 0;
         }
         cpu.AcceptIrq();
-    }
-}
-
-void CursorInterrupt(Machine& m) {
-    RunState& r = m.run;
-    const int32_t* reg = m.crtc.CrtcReg;
-    const int32_t pos = r.FrameT * 100 / kCharRowT;
-    // 64 bits: a snapshot can load any 32-bit value into a register.
-    const int64_t cur = (reg[14] & 15) * 256 + int64_t(reg[15]) + kCursorStartT;
-    const int64_t diff = pos - cur;
-    if (r.FrameT > kCursorStartT && static_cast<int64_t>(r.FrameT) < int64_t(reg[6]) * kCharRowT &&
-        r.FrameT > r.LastCursorIrqT && (diff == 0 || diff == 1) && reg[10] < 4) {
-        m.bus.PortLatch[0x59] &= ~0x10;
-        r.LastCursorIrqT = r.FrameT;
     }
 }
 
@@ -79,17 +68,8 @@ void FrameBoundary(Machine& m) {
     }
 }
 
-} // namespace
-
-void ExecuteInstruction(Machine& m) {
+void ExecutePrefixStages(Machine& m) {
     Z80& cpu = m.cpu;
-    // Most instructions have no prefix: their one stage needs no dispatch on
-    // PrefixState.
-    if (cpu.PrefixState == kPrefixNone) {
-        cpu.CurOpcode = MemRead(m, cpu.RegPC);
-        cpu.xx();
-        if (cpu.PrefixState <= 0) return;
-    }
     for (;;) {
         cpu.CurOpcode = MemRead(m, cpu.RegPC);
         switch (cpu.PrefixState) {
@@ -119,38 +99,38 @@ void ExecuteInstruction(Machine& m) {
     }
 }
 
-void RunPass(Machine& m) {
-    Z80& cpu = m.cpu;
+void ExecuteInstruction(Machine& m) {
+    ExecuteInstructionInline(m);
+}
+
+void ToneTimerExpired(Machine& m) {
+    m.run.SoundTimer = ToneReload(m);
+    if (m.forms.TVCmon.Check3 && (m.bus.PortLatch[5] & 0x20)) m.bus.PortLatch[0x59] &= ~0x10;
+}
+
+void CursorInterrupt(Machine& m) {
     RunState& r = m.run;
-
-    r.InstCount = WrapAdd(r.InstCount, 1);
-    const int32_t start = cpu.TStates;
-    r.LastPC = cpu.RegPC;
-
-    ExecuteInstruction(m);
-    cpu.RegR &= 255;
-    SampleInterrupts(m);
-
-    const int32_t spent = cpu.TStates - start;
-    r.SoundTimer -= spent;
-    if (r.SoundTimer < 1) {
-        r.SoundTimer = ToneReload(m);
-        if (m.forms.TVCmon.Check3 && (m.bus.PortLatch[5] & 0x20)) m.bus.PortLatch[0x59] &= ~0x10;
+    const int32_t* reg = m.crtc.CrtcReg;
+    const int32_t pos = r.FrameT * 100 / kCharRowT;
+    // 64 bits: a snapshot can load any 32-bit value into a register.
+    const int64_t cur = (reg[14] & 15) * 256 + int64_t(reg[15]) + kCursorStartT;
+    const int64_t diff = pos - cur;
+    if (r.FrameT > kCursorStartT && static_cast<int64_t>(r.FrameT) < int64_t(reg[6]) * kCharRowT &&
+        r.FrameT > r.LastCursorIrqT && (diff == 0 || diff == 1)) {
+        m.bus.PortLatch[0x59] &= ~0x10;
+        r.LastCursorIrqT = r.FrameT;
     }
-    r.FrameT += spent;
+}
 
-    CursorInterrupt(m);
-    if ((m.bus.PortLatch[0x59] & 0x1F) != 0x1F && cpu.IFF1 == 1) cpu.IrqRequest = 1;
-
-    if (r.FrameT > kFrameT) FrameBoundary(m);
-    if (cpu.TStates > kFrameT) cpu.TStates -= kFrameT;
-
-    if (r.BreakpointArmed && m.forms.CPUmon.Check2 &&
-        cpu.RegPC == DecimalValue(m.forms.CPUmon.Text5)) {
-        r.RunFlag = 0;
+void BreakpointTest(Machine& m) {
+    if (m.forms.CPUmon.Check2 && m.cpu.RegPC == DecimalValue(m.forms.CPUmon.Text5)) {
+        m.run.RunFlag = 0;
         m.host->MonitorRedraw();
     }
-    r.PushLastPc(r.LastPC);
+}
+
+void RunPass(Machine& m) {
+    RunPassInline(m);
 }
 
 void LeaveRunLoop(Machine& m) {
@@ -164,7 +144,7 @@ void RunLoop(Machine& m) {
     if (m.FatalStop || m.run.Running) return;
     m.run.Running = true;
     do {
-        RunPass(m);
+        RunPassInline(m);
     } while (m.run.RunFlag == 1);
     m.run.Running = false;
     LeaveRunLoop(m);

@@ -22,17 +22,18 @@ struct RunState {
     uint64_t FrameCount = 0; // frame boundaries passed since the machine was made
 
     // The addresses of the last ten instructions; LastPcRing(9) is the latest.
-    int32_t LastPcRing(int i) const { return ring[(ringHead + 1 + i) % 10]; }
+    // The ring holds sixteen so that stepping it is a mask, not a test.
+    int32_t LastPcRing(int i) const { return ring[(ringHead - 9 + i) & 15]; }
     void PushLastPc(int32_t pc) {
-        ringHead = ringHead == 9 ? 0 : ringHead + 1;
+        ringHead = (ringHead + 1) & 15;
         ring[ringHead] = pc;
     }
 
     std::chrono::steady_clock::time_point timingStart = std::chrono::steady_clock::now();
 
   private:
-    int32_t ring[10] = {};
-    int ringHead = 9;
+    int32_t ring[16] = {};
+    int ringHead = 15;
 };
 
 } // namespace tvc

@@ -55,7 +55,7 @@ void MemWriteChain(Machine& m, int32_t a, int32_t value);
 // Rebuilds Bus::ReadPage and Bus::WritePage from the paging state.
 void MemoryMapChanged(Machine& m);
 
-inline int32_t MemRead(Machine& m, int32_t a) {
+[[gnu::always_inline]] inline int32_t MemRead(Machine& m, int32_t a) {
     const Bus& b = m.bus;
     if (static_cast<uint32_t>(a) < 0x10000u) {
         const int32_t base = b.ReadPage[a >> 14];
@@ -64,7 +64,7 @@ inline int32_t MemRead(Machine& m, int32_t a) {
     return MemReadChain(m, a);
 }
 
-inline void MemWrite(Machine& m, int32_t a, int32_t value) {
+[[gnu::always_inline]] inline void MemWrite(Machine& m, int32_t a, int32_t value) {
     Bus& b = m.bus;
     if (static_cast<uint32_t>(a) < 0x10000u) {
         const int32_t base = b.WritePage[a >> 14];
@@ -76,16 +76,16 @@ inline void MemWrite(Machine& m, int32_t a, int32_t value) {
     MemWriteChain(m, a, value);
 }
 
-inline int32_t Z80::Rd(int32_t address) {
+[[gnu::always_inline]] inline int32_t Z80::Rd(int32_t address) {
     return MemRead(m, address);
 }
-inline void Z80::Wr(int32_t address, int32_t value) {
+[[gnu::always_inline]] inline void Z80::Wr(int32_t address, int32_t value) {
     MemWrite(m, address, value);
 }
-inline int32_t Z80::Rd16(int32_t address) {
+[[gnu::always_inline]] inline int32_t Z80::Rd16(int32_t address) {
     return Rd(address) + 256 * Rd(WrapAdd(address, 1));
 }
-inline int32_t Z80::Imm16() {
+[[gnu::always_inline]] inline int32_t Z80::Imm16() {
     return Rd16(RegPC + 1);
 }
 

@@ -9,7 +9,7 @@ namespace tvc {
 
 // The register of field i of B C D E H L (HL) A; field 6, which goes through
 // memory, gives A here and is served by the callers below.
-inline int32_t& Reg8(Z80& c, int32_t i) {
+[[gnu::always_inline]] inline int32_t& Reg8(Z80& c, int32_t i) {
     switch (i) {
     case 0: return c.RegB;
     case 1: return c.RegC;
@@ -22,11 +22,11 @@ inline int32_t& Reg8(Z80& c, int32_t i) {
 }
 
 // The operand of field i; operand 6 is the byte at HL.
-inline int32_t GetOperand(Z80& c, int32_t i) {
+[[gnu::always_inline]] inline int32_t GetOperand(Z80& c, int32_t i) {
     return i == 6 ? c.Rd(c.HL()) : Reg8(c, i);
 }
 
-inline void SetOperand(Z80& c, int32_t i, int32_t v) {
+[[gnu::always_inline]] inline void SetOperand(Z80& c, int32_t i, int32_t v) {
     if (i == 6)
         c.Wr(c.HL(), v);
     else
@@ -34,7 +34,7 @@ inline void SetOperand(Z80& c, int32_t i, int32_t v) {
 }
 
 // ADD ADC SUB SBC AND XOR OR CP, by the opcode's middle three bits.
-inline void Alu(Z80& c, int32_t op, int32_t v) {
+[[gnu::always_inline]] inline void Alu(Z80& c, int32_t op, int32_t v) {
     switch (op) {
     case 0: c.AddA(v); break;
     case 1: c.AdcA(v); break;

@@ -126,6 +126,9 @@ class Z80 {
 
     // --- the seven executors ---------------------------------------------
     void xx();
+    // The body of xx, inline where z80/ExecBaseBody.h is included (the run
+    // loop's hot path).
+    [[gnu::always_inline]] inline void xxBody();
     void xxCB();
     void xxED();
     void xxDD();

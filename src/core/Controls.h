@@ -36,6 +36,22 @@ struct FsaaControls {
     bool Check11 = true;          // "patch": tone always on for channel 2
     bool Check12 = true;          // "patch": tone always on for channel 5
     std::string Label8, Label9;   // shape names of envelopes 0 and 1
+    // Hand control: what the "Manual" timer writes into the chip.
+    int HScroll4[6] = {}; // "Freq": frequency byte, 0 to 255
+    int HScroll3[6] = {}; // "Octave": 0 to 7
+    int HScroll1[6] = {}; // left amplitude, 0 to 15
+    int HScroll2[6] = {}; // right amplitude, 0 to 15
+    bool Check1[6] = {};  // "Enable Freq"
+    bool Check3[6] = {};  // "Enable Noise"
+    int HScroll5[2] = {}; // "Noise 0", "Noise 1": noise rates, 0 to 3
+    int HScroll6[2] = {}; // "Envelope 0", "Envelope 1": shape, 0 to 7
+    bool Check7[2] = {};  // "Enable envelope"
+    bool Check4[2] = {};  // "Inverse R"
+    bool Check5[2] = {};  // "3 Bit"
+    bool Check6[2] = {};  // "External clock"
+    bool Check8 = true;   // "All out enable"
+    bool Check9 = false;  // "Reset": the sync bit
+    bool Check10 = false; // "Circuit": shows the diagram
 };
 
 // The error simulator's controls; the video fault's "Enabled" box is

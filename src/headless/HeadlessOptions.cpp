@@ -22,7 +22,10 @@ Machine set-up (applied in this order):
   --control FORM.NAME[(i)]=V
                          set a chip panel's control before the run, element i
                          of a control array (Fsaa.Check2=1 "Manual",
-                         Fsaa.Check11=0 "patch", FSN76489.Check3=1, ...)
+                         Fsaa.Check11=0 "patch", FSN76489.Check3=1, ...);
+                         with "Manual" set the SAA1099 and SN76489 panels'
+                         timers write their controls into the chip every
+                         fifth frame (Fsaa.HScroll4(0)=33, FSN76489.HScroll4(0)=15)
   --sid-file FILE        the SID plays FILE, a dump in the working directory,
                          as the panel's option ("SIDX" for .sidx, "DMP" for
                          .dmp) and a click on the file in its list do

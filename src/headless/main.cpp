@@ -291,6 +291,7 @@ int Main(const std::vector<std::string>& args) {
         if (name == "xUnDoc") undoc = value;
     }
     m.menu.xS6 = true; // the runner always runs at "Max" pace
+    host.panels = &m;
     for (const auto& [name, value] : o.controls)
         SetControl(m.forms, name, value, error);
     if (!o.cart.empty()) {
@@ -422,6 +423,7 @@ int Main(const std::vector<std::string>& args) {
     if (o.saveSnap && !SaveSnapshot(m, *o.saveSnap, "")) return kExitIo;
     if (o.saveMex && !SaveMex4(m, *o.saveMex)) return kExitIo;
     host.onYield = nullptr;
+    host.panels = nullptr;
     SerialClose(m);
     m.serial.OutTap = nullptr;
     m.printer.Tap = nullptr;

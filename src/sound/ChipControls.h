@@ -13,6 +13,11 @@ namespace tvc {
 // The SN76489 panel.
 struct FSN76489Controls {
     bool Check3 = false; // "Manual": the program's writes are dropped
+    // "Freq": tones 1 to 1,023, the noise (element 3) 0 to 3.
+    int32_t HScroll3[4] = {666, 666, 666, 0};
+    int32_t HScroll4[4] = {}; // "Volume": 0 to 15
+    bool Check2 = false;      // "Periodic Noise"
+    bool Check1 = false;      // "Circuit": shows the diagram
 };
 
 // The AY-3-8910 panel: the labels the renderer fills every fifth block.
@@ -31,6 +36,13 @@ struct FYM3812Controls {
     bool Check3 = false;       // "Direct I/O port:": writes also go to the host port
     std::string Text2 = "896"; // the host port of the address register, decimal
     std::string Text1[8] = {"e6", "20", "c1", "92", "00", "97", "31", "21"}; // instrument, hex
+    // The instrument editor of channel 0, as the mirrors' defaults unpack.
+    // HScroll1(op * 8 + k), op 0 modulator, 1 carrier: k 0 "Mult", 1 "TLVL",
+    // 2 "KSLV", 3 attack, 4 decay, 5 sustain, 6 release, 7 wave select;
+    // HScroll1(16) the feedback.
+    int32_t HScroll1[17] = {6, 0, 3, 0, 0, 9, 7, 0, 0, 13, 3, 3, 1, 2, 1, 0, 0};
+    // Check2(op * 4 + k): k 0 "tremolo", 1 "vibrato", 2 "drums", 3 "KSR".
+    bool Check2[8] = {true, true, true, false, false, false, true, false};
 };
 
 // The YM2413 panel: "ON" boxes the renderer reads, and what it shows.

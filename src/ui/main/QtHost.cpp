@@ -20,6 +20,7 @@ QString ToQ(std::string_view s) {
 void QtHost::DoEvents() {
     QCoreApplication::processEvents(QEventLoop::AllEvents);
     if (window_) window_->PumpKeys();
+    if (window_) window_->PumpPanels();
 }
 
 void QtHost::MessageBox(std::string_view text, std::string_view title, MsgKind kind) {

@@ -32,6 +32,12 @@
 #include "ui/monitors/CPUmon.h"
 #include "ui/monitors/TVCmon.h"
 #include "ui/workbench/asse.h"
+#include "ui/panels/FSID.h"
+#include "ui/panels/FSN76489.h"
+#include "ui/panels/FYM2413.h"
+#include "ui/panels/FYM3812.h"
+#include "ui/panels/Fsaa.h"
+#include "ui/panels/T8910.h"
 #include "video/Screen.h"
 
 namespace tvc::ui {
@@ -355,8 +361,30 @@ void TScreen::Handle(const std::string& name) {
             form->raise();
             return;
         }
-    // Windows of later subsystems (hardware monitor, panels, workbench,
-    // tape): not here yet.
+    if (ChipPanel* panel = Panel(name)) {
+        panel->show();
+        panel->raise();
+        return;
+    }
+    // Windows of later subsystems (hardware monitor, workbench): not here yet.
+}
+
+ChipPanel* TScreen::Panel(const std::string& item) {
+    if (auto it = panels.find(item); it != panels.end()) return it->second;
+    ChipPanel* made = nullptr;
+    if (item == "xsaa") made = new Fsaa(m_, this);
+    if (item == "xSN76") made = new FSN76489(m_, this);
+    if (item == "xYM") made = new FYM3812(m_, this);
+    if (item == "xYM2") made = new FYM2413(m_, this);
+    if (item == "xSID") made = new FSID(m_, this);
+    if (item == "xAY3") made = new T8910(m_, this);
+    if (made) panels[item] = made;
+    return made;
+}
+
+void TScreen::PumpPanels() {
+    for (auto& [item, panel] : panels)
+        panel->Poll();
 }
 
 void TScreen::PowerCycle() {
@@ -507,6 +535,8 @@ void TScreen::closeEvent(QCloseEvent* e) {
     serial->hide();
     printer->hide();
     errorSim->hide();
+    for (auto& [item, panel] : panels)
+        panel->hide();
     SerialClose(m_);
     e->accept();
     QCoreApplication::quit();

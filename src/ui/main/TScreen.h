@@ -35,6 +35,7 @@ class ScreenView;
 class TTools;
 class TTape;
 class asse;
+class ChipPanel;
 
 class TScreen : public QMainWindow {
     Q_OBJECT
@@ -53,6 +54,10 @@ class TScreen : public QMainWindow {
     // Feeds queued key events to the matrix (at each yield point).
     void PumpKeys();
     void ClearKeys();
+    // The chip panels that exist redraw when their chip has a new picture.
+    void PumpPanels();
+    // A chip panel by its menu entry (xsaa, xSN76, ...), made on first use.
+    ChipPanel* Panel(const std::string& item);
 
     // The CPU monitor's Run command: the loop from the state that stands.
     void Command1Click();
@@ -96,6 +101,7 @@ class TScreen : public QMainWindow {
     TPrint* printer = nullptr;
     ErrorSim* errorSim = nullptr;
     asse* workbench = nullptr; // the assembler, View → "Assembler"
+    std::map<std::string, ChipPanel*> panels; // by menu entry, once made
 
   protected:
     void closeEvent(QCloseEvent*) override;

@@ -33,38 +33,47 @@ char FromCodePoint(uint32_t cp) {
     return '?';
 }
 
+} // namespace
+
+bool NextUtf8(std::string_view s, size_t& i, uint32_t& cp) {
+    const auto b = static_cast<uint8_t>(s[i]);
+    if (b < 0x80) {
+        cp = b;
+        ++i;
+        return true;
+    }
+    size_t len;
+    uint32_t min;
+    if ((b & 0xE0) == 0xC0)
+        len = 2, cp = b & 0x1F, min = 0x80;
+    else if ((b & 0xF0) == 0xE0)
+        len = 3, cp = b & 0x0F, min = 0x800;
+    else if ((b & 0xF8) == 0xF0)
+        len = 4, cp = b & 0x07, min = 0x10000;
+    else
+        return false;
+    if (len > s.size() - i) return false;
+    for (size_t k = 1; k < len; ++k) {
+        const auto c = static_cast<uint8_t>(s[i + k]);
+        if ((c & 0xC0) != 0x80) return false;
+        cp = cp << 6 | (c & 0x3F);
+    }
+    if (cp < min || cp > 0x10FFFF || (cp >= 0xD800 && cp <= 0xDFFF)) return false;
+    i += len;
+    return true;
+}
+
+namespace {
+
 // Decodes valid UTF-8 into Windows-1250; false when the text is not UTF-8.
 bool DecodeUtf8(std::string_view s, std::string& out) {
     out.clear();
     out.reserve(s.size());
     size_t i = 0;
     if (s.substr(0, 3) == "\xEF\xBB\xBF") i = 3;
-    while (i < s.size()) {
-        const auto b = static_cast<uint8_t>(s[i]);
-        if (b < 0x80) {
-            out += static_cast<char>(b);
-            ++i;
-            continue;
-        }
-        size_t len;
-        uint32_t cp, min;
-        if ((b & 0xE0) == 0xC0)
-            len = 2, cp = b & 0x1F, min = 0x80;
-        else if ((b & 0xF0) == 0xE0)
-            len = 3, cp = b & 0x0F, min = 0x800;
-        else if ((b & 0xF8) == 0xF0)
-            len = 4, cp = b & 0x07, min = 0x10000;
-        else
-            return false;
-        if (i + len > s.size()) return false;
-        for (size_t k = 1; k < len; ++k) {
-            const auto c = static_cast<uint8_t>(s[i + k]);
-            if ((c & 0xC0) != 0x80) return false;
-            cp = cp << 6 | (c & 0x3F);
-        }
-        if (cp < min || cp > 0x10FFFF || (cp >= 0xD800 && cp <= 0xDFFF)) return false;
+    for (uint32_t cp; i < s.size();) {
+        if (!NextUtf8(s, i, cp)) return false;
         out += FromCodePoint(cp);
-        i += len;
     }
     return true;
 }

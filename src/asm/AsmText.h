@@ -27,6 +27,10 @@ int32_t TVCASC(int32_t code);
 // already. CR LF, LF and a lone CR all become CR LF.
 std::string NormaliseSource(std::string_view text);
 
+// Reads the UTF-8 sequence at text[i] (i < size): its code point in cp and i
+// moved past it; false, with i unchanged, when the bytes are not valid UTF-8.
+bool NextUtf8(std::string_view text, size_t& i, uint32_t& cp);
+
 // Windows-1250 bytes to UTF-8, for file names and printed listings.
 std::string Cp1250ToUtf8(std::string_view bytes);
 

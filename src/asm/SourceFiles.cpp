@@ -13,31 +13,8 @@ namespace tvc {
 
 bool IsUtf8(std::string_view s) {
     size_t i = 0;
-    while (i < s.size()) {
-        const auto b = static_cast<uint8_t>(s[i]);
-        if (b < 0x80) {
-            ++i;
-            continue;
-        }
-        size_t len;
-        uint32_t cp, min;
-        if ((b & 0xE0) == 0xC0)
-            len = 2, cp = b & 0x1Fu, min = 0x80;
-        else if ((b & 0xF0) == 0xE0)
-            len = 3, cp = b & 0x0Fu, min = 0x800;
-        else if ((b & 0xF8) == 0xF0)
-            len = 4, cp = b & 0x07u, min = 0x10000;
-        else
-            return false;
-        if (len > s.size() - i) return false;
-        for (size_t k = 1; k < len; ++k) {
-            const auto c = static_cast<uint8_t>(s[i + k]);
-            if ((c & 0xC0) != 0x80) return false;
-            cp = cp << 6 | (c & 0x3Fu);
-        }
-        if (cp < min || cp > 0x10FFFF || (cp >= 0xD800 && cp <= 0xDFFF)) return false;
-        i += len;
-    }
+    for (uint32_t cp; i < s.size();)
+        if (!NextUtf8(s, i, cp)) return false;
     return true;
 }
 

@@ -244,6 +244,7 @@ int main(int argc, char** argv) {
 
     Bridge bridge(master, slave);
     short want = 0;
+    bool hadPeer = false;
     while (!stopRequested && (!withParent || ::getppid() == parent)) {
         bridge.FollowMap(Clock::now());
         pollfd p{master, want, 0};
@@ -252,11 +253,17 @@ int main(int argc, char** argv) {
         // so the loop waits by itself then.
         const bool peer = !(p.revents & POLLHUP);
         if (!peer) {
-            // What the last peer left unread goes with it.
-            char junk[256];
-            while (::read(master, junk, sizeof junk) > 0) {}
+            // What the last peer left unread goes with it, once, when it
+            // leaves: draining on every idle turn would also swallow the
+            // first bytes of a terminal that opens the slave between the
+            // poll and the read.
+            if (hadPeer) {
+                char junk[256];
+                while (::read(master, junk, sizeof junk) > 0) {}
+            }
             std::this_thread::sleep_for(std::chrono::milliseconds(kPollMs));
         }
+        hadPeer = peer;
         want = bridge.Step(peer, p.revents & POLLIN);
     }
     RemoveLink(link, slave);

@@ -85,7 +85,7 @@ std::string CpmShim::Load(Machine& m, const char* path) {
     MemWrite(m, 6, kTopOfMemory & 255);
     MemWrite(m, 7, kTopOfMemory >> 8);
 
-    const int32_t table = FindTestTable(m, imageEnd);
+    const int32_t table = table_ = FindTestTable(m, imageEnd);
     if (table < 0) return "no test table found";
     groups_ = 0;
     while (Word(m, table + 2 * groups_) != 0)

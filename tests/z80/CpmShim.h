@@ -34,6 +34,8 @@ class CpmShim {
 
     // The number of groups in the exerciser's test table.
     int32_t Groups() const { return groups_; }
+    // The address of that table: a run of words pointing at descriptors.
+    int32_t Table() const { return table_; }
 
     // Called before each instruction: serves BDOS at address 5. Returns false
     // when the run is to stop: RegPC reached 0 (Ended() is then true) or
@@ -49,6 +51,7 @@ class CpmShim {
   private:
     bool Serve(Machine& m, int32_t pc, int maxGroups);
     int32_t groups_ = 0;
+    int32_t table_ = -1;
     bool ended_ = false;
 };
 

@@ -6,3 +6,6 @@ add_executable(tvc_zexdoc ${CMAKE_CURRENT_LIST_DIR}/zexdoc_run.cpp ${CMAKE_CURRE
 target_link_libraries(tvc_zexdoc PRIVATE tvccore)
 add_test(NAME z80.zexdoc COMMAND tvc_zexdoc ${TVC_Z80TESTS_DIR}/zexdoc.com)
 set_tests_properties(z80.zexdoc PROPERTIES LABELS slow TIMEOUT 3600 SKIP_RETURN_CODE 77)
+# The unit test program runs the exerciser's short groups (a few seconds).
+target_sources(tvc_tests PRIVATE ${CMAKE_CURRENT_LIST_DIR}/CpmShim.cpp)
+target_compile_definitions(tvc_tests PRIVATE TVC_ZEXDOC="${TVC_Z80TESTS_DIR}/zexdoc.com")

@@ -84,71 +84,47 @@ TEST_F(IndexGroup, JpIndexJumpsForEightTStates) {
     }
 }
 
-// The 46 rows on the halves: 8 T-states (11 for the immediate loads) and a
-// RegR step of 2 while UndocEnabled is 1; stepped over at no cost otherwise.
-TEST_F(IndexGroup, HalfRowsAreGatedByUndocEnabled) {
+// Every row the tables do not list: the second byte is stepped over at no
+// cost, with "Unknown Opcode!", and the byte after it runs as a new
+// instruction (so DD DD, DD FD, DD ED and DD 40 do not chain). The 46 rows on
+// the halves cost 8 T-states (11 for the immediate loads) with a RegR step
+// of 2 while UndocEnabled is 1, and are undefined rows otherwise.
+TEST_F(IndexGroup, UndefinedAndGatedRowsStepOverTheSecondByteOnly) {
     for (uint8_t prefix : {DD, FD}) {
         for (int32_t undoc : {1, 0}) {
-            for (int op : kHalves) {
+            for (int op = 0; op < 256; ++op) {
+                const bool half = kHalves.count(op) && undoc, imm = op == 0x26 || op == 0x2E;
+                if (kDocumented.count(op) || (kHalves.count(op) && undoc && imm) ||
+                    (prefix == FD && kOwnFd.count(op)))
+                    continue;
                 SetUp();
                 cpu.UndocEnabled = undoc;
-                const bool immediate = op == 0x26 || op == 0x2E;
+                cpu.RegB = 0x41;
                 const size_t unknown = UnknownOpcodes();
-                const Cost c = Run({prefix, uint8_t(op), 0x00});
-                const std::string what = Hex({prefix, uint8_t(op)}) + (undoc ? " undoc" : " doc");
-                EXPECT_EQ(c.t, undoc ? (immediate ? 11 : 8) : 0) << what;
-                EXPECT_EQ(c.r, undoc ? 2 : 0) << what;
-                EXPECT_EQ(c.len, undoc && immediate ? 3 : 2) << what;
-                EXPECT_EQ(UnknownOpcodes(), unknown + (undoc ? 0 : 1)) << what;
+                const Cost c = Run({prefix, uint8_t(op), 0x04}); // then INC B
+                const std::string what = Hex({prefix, uint8_t(op)}) + (undoc ? " undoc" : "");
+                EXPECT_EQ(c.t, half ? 8 : 0) << what;
+                EXPECT_EQ(c.r, half ? 2 : 0) << what;
+                EXPECT_EQ(c.len, 2) << what;
+                EXPECT_EQ(cpu.PrefixState, 0) << what;
+                EXPECT_EQ(UnknownOpcodes(), unknown + !half) << what;
+                if (half) continue;
+                EXPECT_EQ(cpu.RegB, 0x41) << what;
+                Continue();
+                EXPECT_EQ(cpu.RegB, 0x42) << what;
             }
         }
     }
-    EXPECT_TRUE(tm.host.messages.empty());
-}
-
-// Every row the tables do not list: the second byte is stepped over at no
-// cost, with "Unknown Opcode!", and the byte after it runs as a new
-// instruction. This takes in DD DD, DD FD, DD ED and DD 40.
-TEST_F(IndexGroup, UndefinedRowsStepOverTheSecondByteOnly) {
-    for (uint8_t prefix : {DD, FD}) {
-        for (int op = 0; op < 256; ++op) {
-            if (kDocumented.count(op) || kHalves.count(op) || (prefix == FD && kOwnFd.count(op)))
-                continue;
-            SetUp();
-            cpu.RegB = 0x41;
-            const size_t unknown = UnknownOpcodes();
-            const Cost c = Run({prefix, uint8_t(op), 0x04}); // then INC B
-            const std::string what = Hex({prefix, uint8_t(op)});
-            EXPECT_EQ(c.t, 0) << what;
-            EXPECT_EQ(c.r, 0) << what;
-            EXPECT_EQ(c.len, 2) << what;
-            EXPECT_EQ(cpu.PrefixState, 0) << what;
-            EXPECT_EQ(UnknownOpcodes(), unknown + 1) << what;
-            EXPECT_EQ(cpu.RegB, 0x41) << what;
-            Continue();
-            EXPECT_EQ(cpu.RegB, 0x42) << what;
-        }
+    cpu.UndocEnabled = 1;
+    for (uint8_t op : {0x26, 0x2E}) { // LD IXH,n and LD IXL,n
+        const Cost c = Run({DD, op, 0x00});
+        EXPECT_EQ(c.t, 11);
+        EXPECT_EQ(c.r, 2);
+        EXPECT_EQ(c.len, 3);
     }
     EXPECT_EQ(tm.host.label1.back(), "Unknown Opcode!");
+    EXPECT_TRUE(tm.host.messages.empty());
     EXPECT_TRUE(tm.host.fatals.empty());
-}
-
-TEST_F(IndexGroup, PrefixesDoNotChain) {
-    // DD DD 21 nn: the second DD is stepped over, then LD HL,nn runs plain.
-    Run({DD, DD, 0x21, 0x34, 0x12});
-    EXPECT_EQ(cpu.RegPC, kOrg + 2);
-    tm.Step();
-    EXPECT_EQ(cpu.HL(), 0x1234);
-    EXPECT_EQ(cpu.RegIX, 0x2000);
-    // DD ED 44: no NEG; the 44 runs as LD B,H.
-    cpu.RegA = 1;
-    Run({DD, 0xED, 0x44}, 2);
-    EXPECT_EQ(cpu.RegA, 1);
-    EXPECT_EQ(cpu.RegB, 0x12);
-    // DD 40 costs nothing and runs nothing.
-    const Cost c = Run({DD, 0x40});
-    EXPECT_EQ(c.t, 0);
-    EXPECT_EQ(c.len, 2);
 }
 
 // The loads between halves and registers; the exerciser's group for them
@@ -193,14 +169,9 @@ TEST_F(IndexGroup, AddIyTakesItsHalfCarryFromIx) {
     }
 }
 
-// The exerciser has no group for these; its loads of nn and (nn), INC and
-// DEC of the index registers pass.
-TEST_F(IndexGroup, StackRowsAndLdSp) {
-    cpu.RegIX = 0xBEEF;
-    Run({DD, 0xE5}); // PUSH IX
-    EXPECT_EQ(cpu.RegSP, 0xDFFE);
-    Run({FD, 0xE1}); // POP IY
-    EXPECT_EQ(cpu.RegIY, 0xBEEF);
+// The exerciser has no group for these (its own loop pushes and pops IX
+// and IY).
+TEST_F(IndexGroup, ExchangeWithTheStackAndLdSp) {
     // EX (SP),HL, EX (SP),IX and EX (SP),IY swap the word at SP, low byte first.
     for (uint8_t prefix : {uint8_t(0), DD, FD}) {
         cpu.SetHL(0xBEEF), cpu.RegIX = 0xBEEF, cpu.RegIY = 0xBEEF;

@@ -1,151 +1,137 @@
 // Interrupt sampling between instructions: order, HALT, acceptance and the
 // lines that stay raised.
-#include <gtest/gtest.h>
-
-#include "hw/Memory.h"
-#include "support/TestMachine.h"
+#include "z80/CpuTest.h"
 
 namespace tvc::test {
 namespace {
 
-constexpr int32_t kOrg = 0x8000;
-
-struct IrqSetup {
-    TestMachine t;
-    IrqSetup() {
-        t.cpu().RegSP = 0xA000;
-        t.cpu().IntMode = 1;
+class Interrupts : public CpuTest {
+  protected:
+    void SetUp() override {
+        CpuTest::SetUp();
+        cpu.RegSP = 0xA000;
+        cpu.IntMode = 1;
     }
-    int32_t Stacked() {
-        return MemRead(t.m(), t.cpu().RegSP) + 256 * MemRead(t.m(), t.cpu().RegSP + 1);
-    }
+    int32_t Stacked() { return Peek(cpu.RegSP) + 256 * Peek(cpu.RegSP + 1); }
 };
 
-TEST(Interrupts, HaltRepeatsUntilAnInterruptMovesPastIt) {
-    IrqSetup s;
-    Z80& c = s.t.cpu();
-    s.t.Load(kOrg, {0x76});
-    c.RegR = 0;
-    const int32_t t0 = c.TStates;
-    s.t.Step(3);
-    EXPECT_EQ(c.RegPC, kOrg);
-    EXPECT_EQ(c.Halted, 1);
-    EXPECT_EQ(c.TStates - t0, 12);
-    EXPECT_EQ(c.RegR, 3);
+TEST_F(Interrupts, HaltRepeatsUntilAnInterruptMovesPastIt) {
+    tm.Load(kOrg, {0x76});
+    cpu.RegR = 0;
+    const int32_t t0 = cpu.TStates;
+    tm.Step(3);
+    EXPECT_EQ(cpu.RegPC, kOrg);
+    EXPECT_EQ(cpu.Halted, 1);
+    EXPECT_EQ(cpu.TStates - t0, 12);
+    EXPECT_EQ(cpu.RegR, 3);
 
-    c.IFF1 = c.IFF2 = 1;
-    c.IrqRequest = 1;
-    s.t.Step();
-    EXPECT_EQ(c.RegPC, 56);
-    EXPECT_EQ(c.Halted, 0);
-    EXPECT_EQ(s.Stacked(), kOrg + 1);
-    EXPECT_EQ(c.TStates - t0, 12 + 4 + 11);
-    EXPECT_EQ(c.RegR, 5);
-    EXPECT_EQ(c.IFF1 + c.IFF2, 0);
-    EXPECT_EQ(c.IrqRequest, 1); // stays until port 7 is written
+    cpu.IFF1 = cpu.IFF2 = 1;
+    cpu.IrqRequest = 1;
+    tm.Step();
+    EXPECT_EQ(cpu.RegPC, 56);
+    EXPECT_EQ(cpu.Halted, 0);
+    EXPECT_EQ(Stacked(), kOrg + 1);
+    EXPECT_EQ(cpu.TStates - t0, 12 + 4 + 11);
+    EXPECT_EQ(cpu.RegR, 5);
+    EXPECT_EQ(cpu.IFF1 + cpu.IFF2, 0);
+    EXPECT_EQ(cpu.IrqRequest, 1); // stays until port 7 is written
 }
 
-TEST(Interrupts, PendingLineRaisesTheRequestAfterTheInstruction) {
-    IrqSetup s;
-    Z80& c = s.t.cpu();
-    s.t.Load(kOrg, {0x00, 0x00});
-    c.IFF1 = c.IFF2 = 1;
-    s.t.m().bus.PortLatch[0x59] &= ~0x01; // slot 0 line pending
-    s.t.Step();
-    EXPECT_EQ(c.IrqRequest, 1);
-    EXPECT_EQ(c.RegPC, kOrg + 1); // sampled before the line was looked at
-    s.t.Step();
-    EXPECT_EQ(c.RegPC, 56);
+TEST_F(Interrupts, PendingLineRaisesTheRequestAfterTheInstruction) {
+    tm.Load(kOrg, {0x00, 0x00});
+    cpu.IFF1 = cpu.IFF2 = 1;
+    m.bus.PortLatch[0x59] &= ~0x01; // slot 0 line pending
+    tm.Step();
+    EXPECT_EQ(cpu.IrqRequest, 1);
+    EXPECT_EQ(cpu.RegPC, kOrg + 1); // sampled before the line was looked at
+    tm.Step();
+    EXPECT_EQ(cpu.RegPC, 56);
 }
 
-TEST(Interrupts, EiHasNoDelay) {
-    IrqSetup s;
-    Z80& c = s.t.cpu();
-    s.t.Load(kOrg, {0xFB, 0x00});
-    c.IrqRequest = 1;
-    s.t.Step();
-    EXPECT_EQ(c.RegPC, 56);
-    EXPECT_EQ(s.Stacked(), kOrg + 1);
+TEST_F(Interrupts, EiHasNoDelay) {
+    tm.Load(kOrg, {0xFB, 0x00});
+    cpu.IrqRequest = 1;
+    tm.Step();
+    EXPECT_EQ(cpu.RegPC, 56);
+    EXPECT_EQ(Stacked(), kOrg + 1);
 }
 
-TEST(Interrupts, NmiIsTakenAfterEveryInstructionUntilReset) {
-    IrqSetup s;
-    Z80& c = s.t.cpu();
-    s.t.Load(kOrg, {0x00});
-    c.IFF1 = 1;
-    c.NmiRequest = 1;
-    s.t.Step();
-    EXPECT_EQ(c.RegPC, 102);
-    EXPECT_EQ(c.IFF1, 0);
-    EXPECT_EQ(c.IFF2, 1);
-    s.t.Step(); // the NOP at 102, then the NMI again
-    EXPECT_EQ(c.RegPC, 102);
-    EXPECT_EQ(s.Stacked(), 103);
-    EXPECT_EQ(c.RegSP, 0xA000 - 4);
-    EXPECT_EQ(c.NmiRequest, 1);
+TEST_F(Interrupts, NmiIsTakenAfterEveryInstructionUntilReset) {
+    tm.Load(kOrg, {0x00});
+    cpu.IFF1 = 1;
+    cpu.NmiRequest = 1;
+    tm.Step();
+    EXPECT_EQ(cpu.RegPC, 102);
+    EXPECT_EQ(cpu.IFF1, 0);
+    EXPECT_EQ(cpu.IFF2, 1);
+    tm.Step(); // the NOP at 102, then the NMI again
+    EXPECT_EQ(cpu.RegPC, 102);
+    EXPECT_EQ(Stacked(), 103);
+    EXPECT_EQ(cpu.RegSP, 0xA000 - 4);
+    EXPECT_EQ(cpu.NmiRequest, 1);
 }
 
-TEST(Interrupts, SamplingOrderResetThenNmiThenIrq) {
+TEST(InterruptSampling, ResetThenNmiThenIrq) {
     struct Case {
         int reset, nmi, irq;
         int32_t pc;
     } cases[] = {{1, 1, 1, 0}, {0, 1, 1, 102}, {0, 0, 1, 56}, {1, 0, 0, 0}};
     for (const Case& k : cases) {
-        IrqSetup s;
-        Z80& c = s.t.cpu();
-        s.t.Load(kOrg, {0x76}); // halted: each acceptance moves past the HALT
-        s.t.Step();
+        TestMachine t;
+        Z80& c = t.cpu();
+        c.RegSP = 0xA000;
+        c.IntMode = 1;
+        t.Load(0x8000, {0x76}); // halted: each acceptance moves past the HALT
+        t.Step();
         c.IFF1 = 1;
         c.ResetRequest = k.reset, c.NmiRequest = k.nmi, c.IrqRequest = k.irq;
-        s.t.Step();
+        t.Step();
         EXPECT_EQ(c.RegPC, k.pc);
         EXPECT_EQ(c.Halted, 0);
         if (k.reset) {
-            EXPECT_EQ(s.t.m().bus.PortLatch[2], 0); // paged back to ROM
+            EXPECT_EQ(t.m().bus.PortLatch[2], 0); // paged back to ROM
             EXPECT_EQ(c.ResetRequest + c.NmiRequest + c.IrqRequest, 0);
         } else {
-            EXPECT_EQ(s.Stacked(), kOrg + 1);
+            EXPECT_EQ(MemRead(t.m(), 0x9FFE) | MemRead(t.m(), 0x9FFF) << 8, 0x8001);
         }
     }
 }
 
-TEST(Interrupts, ModeZeroOrTwoStopsTheMachine) {
+TEST_F(Interrupts, ModeZeroOrTwoStopsTheMachine) {
     for (int mode : {0, 2}) {
-        IrqSetup s;
-        Z80& c = s.t.cpu();
-        s.t.Load(kOrg, {0x00, 0x00});
-        c.IntMode = mode;
-        c.IFF1 = c.IFF2 = 1;
-        c.IrqRequest = 1;
-        s.t.Step();
-        EXPECT_EQ(s.t.m().run.RunFlag, 0);
-        EXPECT_EQ(c.RegPC, kOrg + 1);
-        EXPECT_EQ(c.RegSP, 0xA000);
-        EXPECT_EQ(c.IFF1 + c.IFF2, 0);
-        ASSERT_EQ(s.t.host.messages.size(), 1u);
-        EXPECT_EQ(s.t.host.messages[0].text, "IM MODE 0 or 2 not allowed!");
+        tm.host.messages.clear();
+        cpu.RegSP = 0xA000;
+        tm.Load(kOrg, {0x00, 0x00});
+        cpu.IntMode = mode;
+        cpu.IFF1 = cpu.IFF2 = 1;
+        cpu.IrqRequest = 1;
+        tm.Step();
+        EXPECT_EQ(m.run.RunFlag, 0);
+        EXPECT_EQ(cpu.RegPC, kOrg + 1);
+        EXPECT_EQ(cpu.RegSP, 0xA000);
+        EXPECT_EQ(cpu.IFF1 + cpu.IFF2, 0);
+        ASSERT_EQ(tm.host.messages.size(), 1u);
+        EXPECT_EQ(tm.host.messages[0].text, "IM MODE 0 or 2 not allowed!");
     }
 }
 
-TEST(Interrupts, PortSevenAcknowledges) {
-    IrqSetup s;
-    Z80& c = s.t.cpu();
-    s.t.Load(kOrg, {0xD3, 0x07, 0xD3, 0x07}); // OUT (7),A twice
-    c.IrqRequest = 1;
-    s.t.m().run.SoundTimer = 100000;      // keep the tone generator's interrupt out of the way
-    s.t.m().bus.PortLatch[0x59] &= ~0x10; // cursor/sound line pending
-    s.t.Step();
-    EXPECT_EQ(c.IrqRequest, 0);
-    EXPECT_EQ(s.t.m().bus.PortLatch[0x59] & 0x10, 0x10);
+TEST_F(Interrupts, PortSevenAcknowledges) {
+    tm.Load(kOrg, {0xD3, 0x07, 0xD3, 0x07}); // OUT (7),A twice
+    cpu.IrqRequest = 1;
+    m.run.SoundTimer = 100000;      // keep the tone generator's interrupt out of the way
+    m.bus.PortLatch[0x59] &= ~0x10; // cursor/sound line pending
+    tm.Step();
+    EXPECT_EQ(cpu.IrqRequest, 0);
+    EXPECT_EQ(m.bus.PortLatch[0x59] & 0x10, 0x10);
 
     // With interrupts enabled and a card line still pending, the request is
     // raised again by the end of the same pass.
-    c.IFF1 = 1;
-    s.t.m().bus.PortLatch[0x59] &= ~0x02;
-    c.IrqRequest = 1;
-    c.IntMode = 1;
-    s.t.Step();
-    EXPECT_EQ(c.IrqRequest, 1);
+    cpu.IFF1 = 1;
+    m.bus.PortLatch[0x59] &= ~0x02;
+    cpu.IrqRequest = 1;
+    cpu.IntMode = 1;
+    tm.Step();
+    EXPECT_EQ(cpu.IrqRequest, 1);
 }
 
 } // namespace

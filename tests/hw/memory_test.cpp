@@ -97,18 +97,6 @@ TEST(MemoryMap, EveryRow) {
     }
 }
 
-TEST(MemoryMap, TwoWindowsCanShowDifferentVideoPages) {
-    TestMachine t;
-    Bus& b = t.m().bus;
-    b.PortLatch[2] = 0x04;           // video at 0x4000 and at 0x8000
-    b.PortLatch[0x0F] = 0x01 | 0x08; // page 1 at 0x4000, page 2 at 0x8000
-    MemoryMapChanged(t.m());
-    b.Mem[0x20000] = 1;
-    b.Mem[0x24000] = 2;
-    EXPECT_EQ(MemRead(t.m(), 0x4000), 1);
-    EXPECT_EQ(MemRead(t.m(), 0x8000), 2);
-}
-
 TEST(MemoryMap, ThirtyTwoKStoresButReadsZeroInU2AndU3) {
     TestMachine t;
     t.m().menu.x32KB = true;
@@ -125,19 +113,6 @@ TEST(MemoryMap, ThirtyTwoKStoresButReadsZeroInU2AndU3) {
     MemoryMapChanged(t.m());
     EXPECT_EQ(MemRead(t.m(), 0x8000), 0x77);
     EXPECT_EQ(MemRead(t.m(), 0xC000), 0x77);
-}
-
-TEST(MemoryMap, AfterResetTheProcessorSeesRomRamVideoAndCartridge) {
-    TestMachine t(/*romPaging=*/true);
-    Bus& b = t.m().bus;
-    b.Mem[0x18000] = 0x11;
-    b.Mem[0x4000] = 0x22;
-    b.Mem[0x10000] = 0x33;
-    b.Mem[0x14000] = 0x44;
-    EXPECT_EQ(MemRead(t.m(), 0x0000), 0x11);
-    EXPECT_EQ(MemRead(t.m(), 0x4000), 0x22);
-    EXPECT_EQ(MemRead(t.m(), 0x8000), 0x33);
-    EXPECT_EQ(MemRead(t.m(), 0xC000), 0x44);
 }
 
 TEST(MemoryMap, VideoErrorHookOnlyOnTheWindowAt8000) {

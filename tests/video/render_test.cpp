@@ -38,99 +38,61 @@ std::vector<Rgb> Line(const Machine& m, bool dib, int y, int x0, int n) {
     return out;
 }
 
-TEST(TwoColour, PaletteBytesAndBitOrder) {
-    // blue (c&1)*127*I, red (c&4)*31*I, green (c&16)*7*I; I = 2 with bit 6.
-    const struct {
-        uint8_t palette;
-        Rgb rgb;
-    } colours[] = {
-        {0x15, {124, 112, 127}}, {0x55, {248, 224, 254}}, {0x44, {248, 0, 0}},
-        {0x11, {0, 112, 127}},   {0x40, {0, 0, 0}},       {0xAA, {0, 0, 0}},
-    };
+// A palette byte in two colours: blue (c&1)*127*I, red (c&4)*31*I, green
+// (c&16)*7*I, with I = 2 for bit 6; in four colours each channel is 127*I.
+// The odd bits mean nothing.
+Rgb PaletteRgb(int c, int mode) {
+    const int i = (c & 0x40) ? 2 : 1;
+    if (mode == 1) return {c & 4 ? 127 * i : 0, c & 16 ? 127 * i : 0, c & 1 ? 127 * i : 0};
+    return {(c & 4) * 31 * i, (c & 16) * 7 * i, (c & 1) * 127 * i};
+}
+
+// The sixteen-colour pixel of byte b whose blue bit is bit s (1 left, 0 right).
+Rgb SixteenPixel(int b, int s) {
+    return test::SixteenColourRgb((b >> s & 1) | (b >> (s + 2) & 1) << 1 | (b >> (s + 4) & 1) << 2 |
+                                  (b >> (s + 6) & 1) << 3);
+}
+
+// Every byte value in every mode and family, against the decoding rules:
+// two colours take bit 7-p for pixel p; four colours take bit 7-p as the low
+// and bit 3-p as the high index bit, two pixels wide; sixteen colours take
+// bits 1,3,5,7 (left) and 0,2,4,6 (right) as blue, red, green, intensity,
+// four pixels wide. The DIB family repeats each line below it; the bitmap
+// family leaves it black.
+TEST(Renderers, EveryByteInEveryModeFollowsTheDecodingRule) {
+    const uint8_t palette[4] = {0x9B, 0x44, 0x05, 0x55};
     for (bool dib : kFamilies)
-        for (const auto& c : colours) {
+        for (int mode = 0; mode < 4; ++mode) {
             test::TestMachine t;
             Machine& m = t.m();
-            SetPicture(m, 0, 64, 1, dib);
-            SetPalette(m, 0x00, c.palette);
-            VideoRam(m, 0) = 0x81;
+            SetPicture(m, mode, 64, 1, dib); // 4 rows of 64 bytes: every value once
+            SetPalette(m, palette[0], palette[1], palette[2], palette[3]);
+            for (int b = 0; b < 256; ++b)
+                VideoRam(m, b) = uint8_t(b);
             ScreenRedraw(m);
-            const Rgb set = c.rgb, clear{0, 0, 0};
-            EXPECT_EQ(Line(m, dib, 0, 0, 8),
-                      (std::vector<Rgb>{set, clear, clear, clear, clear, clear, clear, set}))
-                << "dib " << dib << " palette " << int(c.palette);
+            for (int b = 0; b < 256; ++b)
+                for (int p = 0; p < 8; ++p) {
+                    Rgb want;
+                    if (mode == 0) {
+                        want = PaletteRgb(palette[b >> (7 - p) & 1], 0);
+                    } else if (mode == 1) {
+                        const int q = p / 2;
+                        want = PaletteRgb(palette[(b >> (7 - q) & 1) | (b >> (3 - q) & 1) << 1], 1);
+                    } else {
+                        want = SixteenPixel(b, p < 4 ? 1 : 0);
+                    }
+                    const int x = (b % 64) * 8 + p, y = (b / 64) * 2;
+                    ASSERT_EQ(PicturePixel(m, dib, x, y), want)
+                        << "dib " << dib << " mode " << mode << " byte " << b << " pixel " << p;
+                    ASSERT_EQ(PicturePixel(m, dib, x, y + 1), dib ? want : test::kBlack);
+                }
+            if (!dib) {
+                // Same size next time: the buffer is kept, and so is what an odd line holds.
+                m.screen.ScreenBits[2048 * 3] = 0x42;
+                ScreenRedraw(m);
+                EXPECT_EQ(m.screen.ScreenBits[2048 * 3], 0x42);
+            }
         }
-}
-
-TEST(FourColour, BitOrderAndColoursInBothFamilies) {
-    // Pixel p takes bit 7-p as the low and bit 3-p as the high index bit.
-    // 0xCA = 1100 1010: indexes 3, 1, 2, 0.
-    const Rgb p0{0, 0, 127}, p1{127, 0, 0}, p2{0, 127, 0}, p3{254, 254, 254};
-    for (bool dib : kFamilies) {
-        test::TestMachine t;
-        Machine& m = t.m();
-        SetPicture(m, 1, 64, 1, dib);
-        SetPalette(m, 0x01, 0x04, 0x10, 0x55);
-        VideoRam(m, 0) = 0xCA;
-        VideoRam(m, 1) = 0x0F; // high bits only: index 2 everywhere
-        ScreenRedraw(m);
-        EXPECT_EQ(Line(m, dib, 0, 0, 8), (std::vector<Rgb>{p3, p3, p1, p1, p2, p2, p0, p0}))
-            << "dib " << dib;
-        EXPECT_EQ(Line(m, dib, 0, 8, 8), std::vector<Rgb>(8, p2)) << "dib " << dib;
-    }
-}
-
-TEST(SixteenColour, BitsIntensityAndChannelOrder) {
-    // Left pixel bits 1,3,5,7 and right pixel bits 0,2,4,6 as blue, red,
-    // green, intensity; intensity alone is black.
-    const struct {
-        uint8_t byte;
-        int left, right; // colour bits: blue 1, red 2, green 4, intensity 8
-    } cases[] = {
-        {0x02, 1, 0},  {0x08, 2, 0}, {0x20, 4, 0},  {0x80, 8, 0},   {0x40, 0, 8},
-        {0xC0, 8, 8},  {0x2A, 7, 0}, {0x8A, 11, 0}, {0x15, 0, 7},   {0x55, 0, 15},
-        {0x50, 0, 12}, {0x05, 0, 3}, {0x0C, 2, 2},  {0xFF, 15, 15}, {0x11, 0, 5},
-    };
-    for (bool dib : kFamilies) {
-        test::TestMachine t;
-        Machine& m = t.m();
-        SetPicture(m, dib ? 2 : 3, 64, 1, dib); // modes 2 and 3 alike
-        SetPalette(m, 0xFF, 0xFF, 0xFF, 0xFF);  // not used in this mode
-        for (size_t i = 0; i < std::size(cases); ++i)
-            VideoRam(m, int(i)) = cases[i].byte;
-        ScreenRedraw(m);
-        for (size_t i = 0; i < std::size(cases); ++i) {
-            const Rgb l = test::SixteenColourRgb(cases[i].left);
-            const Rgb r = test::SixteenColourRgb(cases[i].right);
-            EXPECT_EQ(Line(m, dib, 0, int(i) * 8, 8), (std::vector<Rgb>{l, l, l, l, r, r, r, r}))
-                << "dib " << dib << " byte " << std::hex << int(cases[i].byte);
-        }
-    }
-}
-
-// The DIB family repeats each line below it; the bitmap family leaves the
-// line below as it was, black after the buffer was made.
-TEST(ScanLines, DibCopiesBitmapLeavesTheOddLines) {
-    for (bool dib : kFamilies) {
-        test::TestMachine t;
-        Machine& m = t.m();
-        SetPicture(m, 2, 64, 1, dib);
-        for (int i = 0; i < 64 * 4; ++i)
-            VideoRam(m, i) = 0xFF;
-        ScreenRedraw(m);
-        const Rgb white{255, 255, 255};
-        for (int y = 0; y < 8; ++y)
-            for (int x : {0, 255, 511})
-                EXPECT_EQ(PicturePixel(m, dib, x, y), (dib || y % 2 == 0) ? white : test::kBlack)
-                    << "dib " << dib << " x " << x << " y " << y;
-
-        if (!dib) {
-            // Same size next time: the buffer is kept, and so is what an odd line holds.
-            m.screen.ScreenBits[2048 * 3] = 0x42;
-            ScreenRedraw(m);
-            EXPECT_EQ(m.screen.ScreenBits[2048 * 3], 0x42);
-        }
-    }
 }
 
 TEST(StartAddress, PageMultiplierAndTheOneWrap) {
@@ -289,17 +251,14 @@ TEST(Columns80, OffsetsOfTheSixteenRowCycle) {
     ScreenRedraw(m);
     EXPECT_EQ(m.screen.RefreshCount[kSrefresh16DIB80], 1u);
     EXPECT_EQ(m.screen.DibWidth, 640);
-    auto colour = [](uint8_t b, int shift) {
-        return test::SixteenColourRgb((b >> shift & 1) | (b >> (shift + 2) & 1) << 1 |
-                                      (b >> (shift + 4) & 1) << 2 | (b >> (shift + 6) & 1) << 3);
-    };
     for (int row = 1; row <= 20; ++row) {
         const auto& k = cycle[(row - 1) % 16];
         for (int column : {1, k.from - 1, k.from, 80}) {
             const int a = (row - 1) * 80 + column - 1 + (column < k.from ? k.offset : k.after);
             const int x = (column - 1) * 8, y = (row - 1) * 2;
-            EXPECT_EQ(PicturePixel(m, true, x, y), colour(byteAt(a), 1)) << row << " " << column;
-            EXPECT_EQ(PicturePixel(m, true, x + 4, y + 1), colour(byteAt(a), 0))
+            EXPECT_EQ(PicturePixel(m, true, x, y), SixteenPixel(byteAt(a), 1))
+                << row << " " << column;
+            EXPECT_EQ(PicturePixel(m, true, x + 4, y + 1), SixteenPixel(byteAt(a), 0))
                 << row << " " << column;
         }
     }

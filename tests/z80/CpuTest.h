@@ -20,13 +20,9 @@ struct Cost {
 };
 
 inline std::string Hex(const std::vector<uint8_t>& bytes) {
-    static const char* digits = "0123456789ABCDEF";
     std::string s;
-    for (uint8_t b : bytes) {
-        if (!s.empty()) s += ' ';
-        s += digits[b >> 4];
-        s += digits[b & 15];
-    }
+    for (uint8_t b : bytes)
+        s += "0123456789ABCDEF"[b >> 4] + std::string(1, "0123456789ABCDEF"[b & 15]) + " ";
     return s;
 }
 

@@ -95,71 +95,46 @@ TEST(Renderers, EveryByteInEveryModeFollowsTheDecodingRule) {
         }
 }
 
-TEST(StartAddress, PageMultiplierAndTheOneWrap) {
+// Where byte `column` of the first row is read: the start (R12:R13) times
+// 8, 4 or 1 by mode, past the page wrapped once to its base; bits 5-4 of
+// port 0x0F choose the page; reading wraps within the page after each byte.
+// A start still beyond the page after its one wrap reads the flat memory
+// from there (0xFF past its end), each further byte pulled back by one page
+// until inside again. The 80-column path counts on past the page.
+TEST(StartAddress, WhereEachByteIsRead) {
     // clang-format off
     const struct {
-        int mode, r12, r13, port0F;
-        int32_t firstByte; // index in Mem of the picture's first byte
+        int mode, r1, r12, r13, port0F, column;
+        int32_t at; // index in Mem, or -1: past the end of memory
     } cases[] = {
-        {0, 0, 1, 0x00, 0x10008},       {1, 0, 1, 0x00, 0x10004},    {2, 0, 1, 0x00, 0x10001},
-        {0, 0x08, 0x00, 0x00, 0x10000}, // 2048 * 8 = 16384 wraps to the base
-        {1, 0x10, 0x19, 0x00, 0x10064}, // 4121 * 4 = 16484 wraps to 100
-        {2, 0x3F, 0xFF, 0x00, 0x13FFF}, // the last byte, no wrap
-        {2, 0, 0, 0x10, 0x20000},       {2, 0, 0, 0x20, 0x24000},    {2, 0, 2, 0x30, 0x28002},
-        {2, 0, 0, 0xCF, 0x10000},       // only bits 5-4 choose the page
+        {0, 64, 0, 1, 0x00, 0, 0x10008}, {1, 64, 0, 1, 0x00, 0, 0x10004}, {2, 64, 0, 1, 0x00, 0, 0x10001},
+        {0, 64, 0x08, 0x00, 0x00, 0, 0x10000}, // 2048 * 8 = 16384 wraps to the base
+        {1, 64, 0x10, 0x19, 0x00, 0, 0x10064}, // 4121 * 4 = 16484 wraps to 100
+        {2, 64, 0x3F, 0xFF, 0x00, 0, 0x13FFF}, // the last byte, no wrap
+        {2, 64, 0, 0, 0x10, 0, 0x20000},       {2, 64, 0, 0, 0x20, 0, 0x24000},
+        {2, 64, 0, 2, 0x30, 0, 0x28002},       {2, 64, 0, 0, 0xCF, 0, 0x10000}, // only bits 5-4
+        {2, 64, 0x3F, 0xFE, 0x00, 1, 0x13FFF}, {2, 64, 0x3F, 0xFE, 0x00, 2, 0x10000},
+        {0, 64, 63, 255, 0x30, 0, -1},         {0, 64, 63, 255, 0x30, 1, -1}, // from 0x43FF8
+        {0, 64, 63, 255, 0x30, 2, 0x3BFFA},    // 0x43FFA less two pages
+        {2, 80, 0x3F, 0xF5, 0x00, 11, 0x14000}, // 16373 + 11, no wrap
     };
     // clang-format on
-    for (const auto& c : cases) {
-        test::TestMachine t;
-        Machine& m = t.m();
-        SetPicture(m, c.mode, 64, 1, true);
-        SetPalette(m, 0x00, 0x55, 0x55, 0x55);
-        m.crtc.CrtcReg[12] = c.r12;
-        m.crtc.CrtcReg[13] = c.r13;
-        m.bus.PortLatch[0x0F] = static_cast<uint8_t>(c.port0F);
-        m.bus.Mem[c.firstByte] = 0xFF;
-        ScreenRedraw(m);
-        EXPECT_EQ(Line(m, true, 0, 0, 8), std::vector<Rgb>(8, AllSet(c.mode)))
-            << c.mode << " " << std::hex << c.firstByte;
-        EXPECT_EQ(PicturePixel(m, true, 8, 0), test::kBlack);
-        EXPECT_EQ(m.screen.VideoPage, c.port0F & 0x30);
-    }
-}
-
-TEST(StartAddress, ReadingWrapsWithinThePageAfterEachByte) {
-    for (bool dib : kFamilies) {
-        test::TestMachine t;
-        Machine& m = t.m();
-        SetPicture(m, 2, 64, 1, dib);
-        m.crtc.CrtcReg[12] = 0x3F;
-        m.crtc.CrtcReg[13] = 0xFE; // starts 2 bytes before the page's end
-        VideoRam(m, 16382) = 0x02; // blue
-        VideoRam(m, 16383) = 0x08; // red
-        VideoRam(m, 0) = 0x20;     // green
-        m.bus.Mem[0x14000] = 0xFF; // what lies behind the page is not shown
-        ScreenRedraw(m);
-        EXPECT_EQ(PicturePixel(m, dib, 0, 0), test::SixteenColourRgb(1));
-        EXPECT_EQ(PicturePixel(m, dib, 8, 0), test::SixteenColourRgb(2));
-        EXPECT_EQ(PicturePixel(m, dib, 16, 0), test::SixteenColourRgb(4));
-    }
-}
-
-// A start still beyond the page after its one wrap reads the flat memory
-// from there; bytes past the end of memory read 0xFF. Each further byte is
-// pulled back by one page until the address is inside again.
-TEST(StartAddress, BeyondMemoryAfterTheOneWrap) {
-    test::TestMachine t;
-    Machine& m = t.m();
-    SetPicture(m, 0, 64, 1, true);
-    SetPalette(m, 0x00, 0x15);
-    m.bus.PortLatch[0x0F] = 0x30; // base 0x28000
-    m.crtc.CrtcReg[12] = 63;
-    m.crtc.CrtcReg[13] = 255;  // 16383 * 8 - 16384 past the base: 0x43FF8
-    m.bus.Mem[0x3BFFA] = 0x0F; // third byte: 0x43FFA - 2 pages
-    ScreenRedraw(m);
-    const Rgb on{124, 112, 127}, off{0, 0, 0};
-    EXPECT_EQ(Line(m, true, 0, 0, 16), std::vector<Rgb>(16, on)) << "beyond memory: 0xFF";
-    EXPECT_EQ(Line(m, true, 0, 16, 8), (std::vector<Rgb>{off, off, off, off, on, on, on, on}));
+    for (bool dib : kFamilies)
+        for (const auto& c : cases) {
+            if (c.r1 == 80 && !dib) continue; // the bitmap family has no 80-column path
+            test::TestMachine t;
+            Machine& m = t.m();
+            SetPicture(m, c.mode, c.r1, 1, dib);
+            SetPalette(m, 0x00, 0x55, 0x55, 0x55);
+            m.crtc.CrtcReg[12] = c.r12;
+            m.crtc.CrtcReg[13] = c.r13;
+            m.bus.PortLatch[0x0F] = static_cast<uint8_t>(c.port0F);
+            if (c.at >= 0) m.bus.Mem[c.at] = 0xFF;
+            ScreenRedraw(m);
+            EXPECT_EQ(Line(m, dib, 0, c.column * 8, 8), std::vector<Rgb>(8, AllSet(c.mode)))
+                << "dib " << dib << " mode " << c.mode << " at " << std::hex << c.at;
+            EXPECT_EQ(m.screen.VideoPage, c.port0F & 0x30);
+        }
 }
 
 TEST(Palette, RowsFollowTheRasterLineOfTheWrite) {
@@ -262,18 +237,6 @@ TEST(Columns80, OffsetsOfTheSixteenRowCycle) {
                 << row << " " << column;
         }
     }
-}
-
-TEST(Columns80, CountsOnPastThePageWithoutWrapping) {
-    test::TestMachine t;
-    Machine& m = t.m();
-    SetPicture(m, 2, 80, 1, true);
-    m.crtc.CrtcReg[12] = 0x3F;
-    m.crtc.CrtcReg[13] = 0xF5;         // 16373: column 12 reads 16384
-    m.bus.Mem[0x10000 + 16384] = 0x20; // the byte behind the page
-    VideoRam(m, 0) = 0x02;
-    ScreenRedraw(m);
-    EXPECT_EQ(PicturePixel(m, true, 11 * 8, 0), test::SixteenColourRgb(4));
 }
 
 TEST(Columns80, OnlyTheDibSixteenColourPath) {

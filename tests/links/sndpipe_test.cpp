@@ -1,7 +1,6 @@
 // The real audio player against an emulator side played by the test: it
-// asks for units at the machine's pace with the dummy audio driver, falls
-// back to a silent sink when no device opens, records with --wav, and a
-// missing player is stood in for so that deliveries still go on.
+// asks for units with the dummy audio driver, falls back to a silent sink
+// when no device opens, records with --wav, and ends with its emulator.
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
@@ -14,7 +13,6 @@
 #include <fstream>
 #include <thread>
 
-#include "links/AudioCompanion.h"
 #include "sound/SoundFX.h"
 #include "support/TestMachine.h"
 
@@ -89,39 +87,33 @@ struct Player : ::testing::Test {
 };
 
 // The real player with the dummy driver and without any device: it asks and
-// takes units, and --stats reports its figures when it ends.
-TEST_F(Player, PlaysWithOrWithoutADeviceAndReports) {
+// takes units, writes what it plays with --wav, and --stats reports its
+// figures when it ends.
+TEST_F(Player, PlaysWithOrWithoutADeviceRecordsAndReports) {
+    const std::string wav = (dir->path() / "played.wav").string();
     for (const char* driver : {"dummy", "no-such-driver"}) {
         const uint8_t idle = kHandshakeIdle;
         handshake.WriteMap(&idle, 1);
-        Start(driver, {"--stats"});
+        served = 10;
+        Start(driver, {"--stats", "--wav", wav});
         int units = 0;
-        for (int i = 0; i < 100 && units < 3; ++i)
+        for (int i = 0; i < 200 && units < 3; ++i) // however slowly the player starts
             units += Serve(std::chrono::milliseconds(50));
         EXPECT_EQ(units, 3) << driver;
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
         Stop();
         EXPECT_NE(Stderr().find("sndpipe: units "), std::string::npos) << Stderr();
+        std::ifstream in(wav, std::ios::binary);
+        std::vector<uint8_t> data((std::istreambuf_iterator<char>(in)), {});
+        ASSERT_GE(data.size(), 44u + kAudioUnitBytes);
+        const uint32_t bytes = data[40] | data[41] << 8 | data[42] << 16 | data[43] << 24;
+        EXPECT_EQ(bytes, data.size() - 44);
+        EXPECT_EQ(data[22], 2);  // stereo
+        EXPECT_EQ(data[44], 10); // the first unit
+        EXPECT_EQ(data[44 + kAudioUnitBytes], 11);
+        EXPECT_LE(bytes / kAudioUnitBytes, static_cast<uint32_t>(units));
     }
     EXPECT_NE(Stderr().find("playing silently"), std::string::npos) << Stderr();
-}
-
-TEST_F(Player, WritesWhatItPlaysToAWaveFile) {
-    const std::string wav = (dir->path() / "played.wav").string();
-    Start("dummy", {"--wav", wav});
-    int units = Serve(std::chrono::milliseconds(1), 10);
-    for (int i = 0; i < 200 && units < 2; ++i) // however slowly the player starts
-        units += Serve(std::chrono::milliseconds(50), 10);
-    std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    Stop();
-    std::ifstream in(wav, std::ios::binary);
-    std::vector<uint8_t> data((std::istreambuf_iterator<char>(in)), {});
-    ASSERT_GE(data.size(), 44u + kAudioUnitBytes);
-    const uint32_t bytes = data[40] | data[41] << 8 | data[42] << 16 | data[43] << 24;
-    EXPECT_EQ(bytes, data.size() - 44);
-    EXPECT_EQ(data[22], 2);  // stereo
-    EXPECT_EQ(data[44], 10); // the first unit
-    EXPECT_EQ(data[44 + kAudioUnitBytes], 11);
-    EXPECT_LE(bytes / kAudioUnitBytes, static_cast<uint32_t>(units));
 }
 
 TEST_F(Player, EndsWithItsEmulator) {
@@ -145,41 +137,6 @@ TEST_F(Player, EndsWithItsEmulator) {
     EXPECT_TRUE(gone);
     close(fds[0]);
     close(fds[1]);
-}
-
-// The emulator's own stand-in when the player cannot be started.
-class CompanionHost : public RecordingHost {
-  public:
-    AudioCompanion* audio = nullptr;
-    Machine* machine = nullptr;
-    void Sleep(int ms) override {
-        audio->ServeWait(machine->sound.MMDemo, machine->sound.MMDemo2, machine->sound.Deliveries);
-        std::this_thread::sleep_for(std::chrono::milliseconds(ms));
-    }
-};
-
-TEST(AudioCompanion, MissingPlayerIsStoodInForAtTheSamePace) {
-    TagSharedMemory("ac");
-    ScratchDir dir;
-    CompanionHost host;
-    AudioCompanion companion;
-    host.audio = &companion;
-    EXPECT_FALSE(companion.Start((dir.path() / "no-such-player").string()));
-    auto m = std::make_unique<Machine>(host);
-    host.machine = m.get();
-    ASSERT_TRUE(SoundMapsCreate(*m));
-    // Another map of the same names must not confuse the stand-in.
-    MMapper intruder;
-    ASSERT_TRUE(intruder.CreateMap(kHandshakeMapName, 1));
-    const auto start = Clock::now();
-    for (int i = 0; i < 5; ++i) {
-        m->sound.BlockIndex = 5;
-        SoundFrame(*m);
-    }
-    const auto ms =
-        std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start).count();
-    EXPECT_GE(ms, 350); // five deliveries at one every 100 ms
-    EXPECT_LE(ms, 2000);
 }
 
 } // namespace

@@ -55,39 +55,33 @@ TEST_F(Link, AskingPlayerGetsTheUnitAtOnce) {
     EXPECT_EQ(m->forms.Fsaa.Label11, "5");
 }
 
-TEST_F(Link, FullBufferWaitsForAPlayerThatHasNotAskedYet) {
-    host.onSleep = [&](int n) {
-        if (n == 3) player.Ask();
+// The frame waits while the player has not asked or not taken the last
+// unit; it returns with blocks missing and gives up on a byte it does not know.
+TEST_F(Link, WaitsByHandshakeAndBlocks) {
+    const struct {
+        uint8_t before;
+        int blocks, actAt, sleeps;
+        uint8_t after;
+    } rows[] = {
+        {kHandshakeIdle, 5, 3, 3, kHandshakeDelivered},
+        {kHandshakeDelivered, 5, 5, 5, kHandshakeDelivered},
+        {kHandshakeIdle, 4, 1, 0, kHandshakeIdle},
+        {7, 5, 1, 0, 7},
     };
-    SoundFrame(*m);
-    EXPECT_EQ(host.sleeps, 3);
-    EXPECT_EQ(player.Handshake(), kHandshakeDelivered);
-}
-
-TEST_F(Link, UndeliveredUnitWaitsUntilThePlayerTakesIt) {
-    SetHandshake(kHandshakeDelivered);
-    host.onSleep = [&](int n) {
-        if (n == 5) {
-            ASSERT_TRUE(player.Take(nullptr));
+    for (const auto& r : rows) {
+        SetHandshake(r.before);
+        m->sound.BlockIndex = r.blocks;
+        host.sleeps = 0;
+        host.onSleep = [&](int n) {
+            if (n != r.actAt) return;
+            if (player.Handshake() == kHandshakeDelivered) ASSERT_TRUE(player.Take(nullptr));
             player.Ask();
-        }
-    };
-    SoundFrame(*m);
-    EXPECT_EQ(host.sleeps, 5);
-    EXPECT_EQ(player.Handshake(), kHandshakeDelivered);
-}
-
-TEST_F(Link, IdleHandshakeWithBlocksMissingReturnsAndOtherBytesGiveUp) {
-    m->sound.BlockIndex = 4;
-    SoundFrame(*m);
-    EXPECT_EQ(player.Handshake(), kHandshakeIdle);
-    EXPECT_EQ(m->sound.BlockIndex, 4);
-
-    m->sound.BlockIndex = 5;
-    SetHandshake(7);
-    SoundFrame(*m);
-    EXPECT_EQ(host.sleeps, 0);
-    EXPECT_EQ(player.Handshake(), 7);
+        };
+        SoundFrame(*m);
+        EXPECT_EQ(host.sleeps, r.sleeps) << int(r.before);
+        EXPECT_EQ(player.Handshake(), r.after) << int(r.before);
+        EXPECT_EQ(m->sound.BlockIndex, r.after == kHandshakeDelivered ? 0 : r.blocks);
+    }
 }
 
 TEST_F(Link, MaxPaceNeitherWaitsNorDelivers) {

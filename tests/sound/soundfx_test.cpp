@@ -49,47 +49,35 @@ TEST(ToneGenerator, SquareWaveAtTheDividedClock) {
     }
 }
 
-TEST(ToneGenerator, PitchAbove4080IsTheLevelPath) {
-    TestMachine t;
-    SetTone(t.m(), 4081, true, 15);
-    t.m().sound.ToneSlots[100] = 16 + 9;
-    const Wave w = Render(t.m(), 1);
-    EXPECT_EQ(t.m().sound.TvcToneOut[99], 0);
-    EXPECT_EQ(t.m().sound.TvcToneOut[100], 45);
-    EXPECT_EQ(t.m().sound.TvcToneOut[440], 45);
-    EXPECT_EQ(w.low, 0);
-}
-
+// Level events from the slots: held between events and across blocks, at
+// five per step; the level path takes pitches above 4,080, and a tone's
+// block drops them.
 TEST(ToneGenerator, LevelLineHoldsBetweenEventsAndAcrossBlocks) {
     TestMachine t;
     SetTone(t.m(), 0, false, 0);
     auto& slots = t.m().sound.ToneSlots;
-    slots[10] = 16 + 15;
-    slots[20] = 16;
-    slots[30] = 16 + 3;
+    slots[10] = 16 + 15, slots[20] = 16, slots[30] = 16 + 3;
     TvcToneBlock(t.m());
     const int16_t* out = t.m().sound.TvcToneOut;
-    EXPECT_EQ(out[9], 0);
-    EXPECT_EQ(out[10], 75);
-    EXPECT_EQ(out[19], 75);
-    EXPECT_EQ(out[20], 0);
-    EXPECT_EQ(out[30], 15);
+    const std::pair<int, int> held[] = {{9, 0}, {10, 75}, {19, 75}, {20, 0}, {30, 15}, {440, 15}};
+    for (auto [at, level] : held)
+        EXPECT_EQ(out[at], level) << at;
     EXPECT_EQ(slots[30], 0); // consumed
     TvcToneBlock(t.m());
     EXPECT_EQ(out[0], 15); // LastDacLevel carries on
-    EXPECT_EQ(t.m().sound.Tone.LastDacLevel, 15);
-}
 
-TEST(ToneGenerator, LevelEventsInATonesBlockAreLost) {
-    TestMachine t;
-    t.m().sound.Tone.LastDacLevel = 35;
-    SetTone(t.m(), 3072, true, 4);
-    t.m().sound.ToneSlots[5] = 16 + 12;
+    SetTone(t.m(), 4081, true, 15);
+    slots[100] = 16 + 9;
     TvcToneBlock(t.m());
-    EXPECT_EQ(t.m().sound.ToneSlots[5], 0);
+    EXPECT_EQ(out[99] * 100 + out[100], 1545);
+
+    SetTone(t.m(), 3072, true, 4);
+    slots[5] = 16 + 12;
+    TvcToneBlock(t.m());
+    EXPECT_EQ(slots[5], 0);
     SetTone(t.m(), 3072, false, 4);
     TvcToneBlock(t.m());
-    EXPECT_EQ(t.m().sound.TvcToneOut[0], 35);
+    EXPECT_EQ(out[0], 45);
 }
 
 TEST(Mix, WeightsAndEightBitWrap) {
@@ -148,18 +136,17 @@ TEST(WaveImage, OneSecondOfSilenceWithItsHeader) {
         return w[at] | w[at + 1] << 8 | w[at + 2] << 16 | w[at + 3] << 24;
     };
     auto u16 = [&](size_t at) { return w[at] | w[at + 1] << 8; };
-    EXPECT_EQ(std::string(w.begin(), w.begin() + 4), "RIFF");
-    EXPECT_EQ(u32(4), 22086u);
-    EXPECT_EQ(std::string(w.begin() + 8, w.begin() + 16), "WAVEfmt ");
-    EXPECT_EQ(u32(16), 16u);
-    EXPECT_EQ(u16(20), 1);
-    EXPECT_EQ(u16(22), 1);
-    EXPECT_EQ(u32(24), 22050u);
-    EXPECT_EQ(u32(28), 22050u);
-    EXPECT_EQ(u16(32), 2); // block align is always written as 2
-    EXPECT_EQ(u16(34), 8);
-    EXPECT_EQ(std::string(w.begin() + 36, w.begin() + 40), "data");
-    EXPECT_EQ(u32(40), 22050u);
+    EXPECT_EQ(std::string(w.begin(), w.begin() + 4) + std::string(w.begin() + 8, w.begin() + 16) +
+                  std::string(w.begin() + 36, w.begin() + 40),
+              "RIFFWAVEfmt data");
+    // Mono 8-bit at 22,050 Hz; the block align is always written as 2.
+    const std::pair<size_t, uint32_t> le32[] = {
+        {4, 22086}, {16, 16}, {24, 22050}, {28, 22050}, {40, 22050}};
+    const std::pair<size_t, int> le16[] = {{20, 1}, {22, 1}, {32, 2}, {34, 8}};
+    for (auto [at, v] : le32)
+        EXPECT_EQ(u32(at), v) << at;
+    for (auto [at, v] : le16)
+        EXPECT_EQ(u16(at), v) << at;
     EXPECT_EQ(w[44], 128);
     EXPECT_EQ(w.back(), 128);
 }

@@ -1,15 +1,20 @@
-// The sound card's chips from outside: random port traffic, recordings of
-// programs that play each chip, and the panel controls set from the command
-// line.
+// The sound card's chips from outside: random port traffic, the panel
+// controls by name and from the command line, recordings, the "Manual"
+// ticks' writes, note keys, the pictures' points and the editors' boxes.
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <map>
 #include <random>
 #include <sstream>
 
+#include "asm/TextLib.h"
 #include "core/ControlItems.h"
 #include "core/Numbers.h"
+#include "core/RunLoop.h"
 #include "hw/Ports.h"
+#include "sound/ChipPanels.h"
+#include "sound/Ym3812.h"
 #include "support/Headless.h"
 #include "support/TestMachine.h"
 #include "support/WavProbe.h"
@@ -177,6 +182,244 @@ TEST(SoundChips, DmpPlaysFromTheCommandLine) {
     EXPECT_NEAR(wav.Window(0.1, 0.8).Frequency(), 440, 3);
     EXPECT_NEAR(wav.Window(1.1, 0.8).Frequency(), 660, 3);
     EXPECT_NE(d.Run("--sid-file none.dmp").status, 0);
+}
+
+// The whole chip from the panel: each bar and box lands in its register's
+// field, only with "Manual", and the program's own writes are lost meanwhile.
+TEST(ChipPanels, SaaManualTickSetsTheWholeChip) {
+    FsaaControls b;
+    for (int n = 0; n < 6; ++n) {
+        b.HScroll4[n] = 40 * n + 15, b.HScroll3[n] = 7 - n;
+        b.HScroll1[n] = n + 9, b.HScroll2[n] = 15 - 2 * n;
+        b.Check1[n] = n % 2, b.Check3[n] = n < 2;
+    }
+    b.HScroll5[0] = 3, b.HScroll5[1] = 2, b.HScroll6[0] = 5, b.HScroll6[1] = 7;
+    b.Check7[1] = b.Check4[0] = b.Check5[1] = b.Check6[0] = true;
+    b.Check8 = false, b.Check9 = true;
+    TestMachine t;
+    Machine& m = t.m();
+    m.forms.Fsaa = b;
+    m.forms.Fsaa.Check2 = false;
+    ChipPanelsTick(m);
+    EXPECT_EQ(m.saa.SaaFreq[5], 0);
+    m.forms.Fsaa.Check2 = true;
+    ChipPanelsTick(m);
+    int32_t v = 8;
+    PortOut(m, 0xFF, v);
+    PortOut(m, 0xFE, v = 0x55);
+    const Saa1099& s = m.saa;
+    for (int n = 0; n < 6; ++n)
+        EXPECT_EQ(std::vector<int>({s.SaaFreq[n], s.SaaOctave[n], s.SaaAmp[n], s.SaaAmp[n + 6],
+                                    s.SaaToneEnable[n], s.SaaNoiseEnable[n]}),
+                  std::vector<int>({b.HScroll4[n], b.HScroll3[n], b.HScroll1[n], b.HScroll2[n],
+                                    b.Check1[n], b.Check3[n]}))
+            << n;
+    for (int e = 0; e < 2; ++e) {
+        const SaaEnvelope& k = s.SaaEnv[e];
+        EXPECT_EQ(std::vector<int>({s.SaaNoiseRate[e], k.Shape, k.Enable, k.InvertRight, k.Fine,
+                                    k.ExternalClock}),
+                  std::vector<int>({b.HScroll5[e], b.HScroll6[e], b.Check7[e], b.Check4[e],
+                                    b.Check5[e], b.Check6[e]}))
+            << e;
+    }
+    EXPECT_EQ(s.SaaAllEnable * 2 + s.SaaSync, 1);
+
+    // Values from outside the bars' ranges are held to them.
+    FsaaControls wild;
+    wild.HScroll4[0] = 300, wild.HScroll3[0] = -4, wild.HScroll1[0] = 99, wild.HScroll5[1] = 9;
+    std::map<int, int> got;
+    const auto w = SaaManualWrites(wild);
+    for (size_t i = 0; i < w.size(); i += 2)
+        got[w[i].value] = w[i + 1].value;
+    EXPECT_EQ(got[8], 255);
+    EXPECT_EQ(got[16], 0);
+    EXPECT_EQ(got[0], 15);
+    EXPECT_EQ(got[22], 0x30);
+}
+
+TEST(ChipPanels, NoteKeysTuneChannelZero) {
+    const int octave[13] = {3, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3, 4, 4};
+    const int freq[13] = {33, 60, 85, 109, 132, 153, 173, 192, 210, 227, 243, 5, 33};
+    FsaaControls c;
+    for (int k = 0; k < 13; ++k) {
+        SaaNoteKey(c, k);
+        EXPECT_EQ(c.HScroll3[0], octave[k]) << k;
+        EXPECT_EQ(c.HScroll4[0], freq[k]) << k;
+    }
+    SaaNoteKey(c, 13); // no such key
+    SaaNoteKey(c, -1);
+    EXPECT_EQ(c.HScroll4[0], 33);
+    EXPECT_EQ(c.HScroll3[1], 0);
+}
+
+TEST(ChipPanels, SnManualBytesKeepTheReversedSplit) {
+    const struct {
+        int freq[4], volume[4];
+        bool periodic;
+    } rows[] = {{{666, 666, 666, 0}, {0, 0, 0, 0}, false},
+                {{1, 1023, 512, 3}, {15, 1, 7, 15}, true},
+                {{1000, 24, 960, 2}, {3, 4, 5, 6}, false}};
+    for (const auto& r : rows) {
+        FSN76489Controls c;
+        std::copy(std::begin(r.freq), std::end(r.freq), c.HScroll3);
+        std::copy(std::begin(r.volume), std::end(r.volume), c.HScroll4);
+        c.Check2 = r.periodic;
+        std::vector<uint8_t> want;
+        for (int n = 0; n < 3; ++n) {
+            const int N = 1024 - r.freq[n], high = (N >> 6) & 15;
+            want.push_back(uint8_t(high + 0x80 + 0x20 * n));
+            want.push_back(uint8_t(N - high * 64));
+        }
+        for (int n = 0; n < 4; ++n)
+            want.push_back(uint8_t(0x9F + 0x20 * n - r.volume[n]));
+        want.push_back(uint8_t((r.periodic ? 0xE4 : 0xE0) + r.freq[3]));
+        EXPECT_EQ(SnManualBytes(c), want) << r.freq[0];
+        for (int n = 0; n < 3; ++n)
+            EXPECT_EQ(SnFreqLabel(r.freq[n]), int(std::floor(3579545.0 / (1024 - r.freq[n]) / 32)));
+
+        TestMachine t; // the tick sends them through the chip's own path
+        Machine& m = t.m();
+        m.forms.FSN76489 = c;
+        m.forms.FSN76489.Check3 = true;
+        ChipPanelsTick(m);
+        EXPECT_EQ(m.sn.SnChannel[2].Attenuation, 15 - r.volume[2]);
+        EXPECT_EQ(m.sn.SnNoise.NoiseType, r.periodic ? 4 : 0);
+    }
+    FSN76489Controls wild; // held to the bars' ranges
+    wild.HScroll3[0] = 0, wild.HScroll3[3] = 7, wild.HScroll4[1] = 40;
+    const auto b = SnManualBytes(wild);
+    EXPECT_EQ(b[0], 0x80 + 15);
+    EXPECT_EQ(b[1], 63);
+    EXPECT_EQ(b[7], 0xBF - 15);
+    EXPECT_EQ(b[10], 0xE3);
+}
+
+TEST(ChipPanels, PicturesScaleTheLastBlock) {
+    TestMachine t;
+    Machine& m = t.m();
+    for (int x = 0; x < 441; ++x) {
+        m.saa.RightMatrix[4][x] = uint8_t(x % 256);
+        m.sn.SnMatrix[x][2] = int16_t(x - 220);
+        m.ay.AyColumns[1][x] = float(x % 33 - 16);
+        m.ay.AyColumns[4][x] = float(x % 2);
+        m.ym2.Ym2Matrix[7][x] = int16_t(135 - x);
+        m.sid.SidColumns[2][x] = float(x % 5) / 2 - 1;
+    }
+    const Trace saa = ScopeTrace(m, Scope::Saa, 4), sn = ScopeTrace(m, Scope::Sn, 2),
+                ay = ScopeTrace(m, Scope::Ay, 1), env = ScopeTrace(m, Scope::Ay, 4),
+                ym2 = ScopeTrace(m, Scope::Ym2413, 7), sid = ScopeTrace(m, Scope::Sid, 2);
+    for (int x = 0; x < kTracePoints; ++x) {
+        EXPECT_EQ(saa[x], RoundHalfEven(x / 10.0) + 32) << x;
+        EXPECT_EQ(sn[x], std::trunc((x - 220) / 20.0) + 32) << x;
+        EXPECT_EQ(ay[x], (x % 33 - 16) * 2 + 32) << x;
+        EXPECT_EQ(env[x], x % 2 * 30 + 32) << x;
+        EXPECT_EQ(ym2[x], std::trunc((135 - x) / 8.0) + 32) << x;
+        EXPECT_EQ(sid[x], RoundHalfEven((x % 5 / 2.0 - 1) * 30) + 32) << x;
+    }
+}
+
+// The YM3812 editor's registers as the panel packs its sliders.
+TEST(ChipPanels, YmEditorPacksTheInstrument) {
+    FYM3812Controls c;
+    int* s = c.HScroll1;
+    const int mod[8] = {5, 40, 2, 12, 3, 9, 6, 1}, car[8] = {15, 0, 3, 1, 15, 0, 2, 3};
+    std::copy(mod, mod + 8, s);
+    std::copy(car, car + 8, s + 8);
+    s[16] = 6;
+    const bool flags[8] = {true, false, true, false, false, true, false, true};
+    std::copy(flags, flags + 8, c.Check2);
+    auto pack = [&](const int* op, const bool* f) {
+        return std::array<uint8_t, 5>{uint8_t((f[0] * 8 + f[1] * 4 + f[2] * 2 + f[3]) * 16 + op[0]),
+                                      uint8_t(op[2] * 32 + 63 - op[1]), uint8_t(op[3] * 16 + op[4]),
+                                      uint8_t(op[5] * 16 + op[6]), uint8_t(op[7])};
+    };
+    const auto m = pack(mod, flags), k = pack(car, flags + 4);
+    const std::vector<RegWrite> want = {{0x01, 32},   {0xBD, 0xC0}, {0x20, m[0]}, {0x23, k[0]},
+                                        {0x40, m[1]}, {0x43, k[1]}, {0xC0, 12},   {0x60, m[2]},
+                                        {0x80, m[3]}, {0x63, k[2]}, {0x83, k[3]}, {0xE0, m[4]},
+                                        {0xE3, k[4]}};
+    EXPECT_EQ(YmInstrumentWrites(c), want);
+    const int mirrored[8] = {m[0], k[0], m[1], k[1], m[2], m[3], k[2], k[3]};
+    for (int i = 0; i < 8; ++i)
+        EXPECT_EQ(YmTextValue(c, i), mirrored[i]) << i;
+
+    // Enter in a mirror box sets its register's sliders so that the box reads
+    // back what was typed; a level the sliders cannot pack stops at 3 x 32 + 63.
+    for (int box = 0; box < 8; ++box)
+        for (int v = 0; v < 256; ++v) {
+            YmTextEnter(c, box, Hex2(v));
+            ASSERT_EQ(YmTextValue(c, box), box == 2 || box == 3 ? std::min(v, 159) : v) << box;
+        }
+    YmTextEnter(c, 0, "zz");
+    EXPECT_EQ(YmTextValue(c, 0), 0);
+    YmTextEnter(c, 1, "100");
+    EXPECT_EQ(YmTextValue(c, 1), 0xFF);
+}
+
+// A sink that keeps what the direct path passes on.
+struct Sink : PortSink {
+    std::vector<std::pair<int, int>> seen;
+    bool Out(uint16_t port, uint8_t value, std::string&) override {
+        seen.emplace_back(port, value);
+        return true;
+    }
+};
+
+TEST(ChipPanels, YmKeyboardAndResetGoThroughThePorts) {
+    TestMachine t;
+    Machine& m = t.m();
+    Sink sink;
+    m.ym.DirectSink = &sink;
+    m.forms.FYM3812.Check3 = true;
+    const char keys[] = "ASDFGHJK";
+    const int values[8] = {343, 385, 432, 458, 514, 577, 647, 686};
+    for (int i = 0; i < 8; ++i) {
+        ASSERT_TRUE(YmKeyDown(m, keys[i]));
+        EXPECT_EQ(m.ym.YmRegs[0xA0], values[i] / 3);
+        EXPECT_EQ(m.ym.YmRegs[0xB0], 0x30);
+    }
+    EXPECT_TRUE(YmKeyDown(m, 'g'));
+    EXPECT_FALSE(YmKeyDown(m, 'Q'));
+    EXPECT_FALSE(YmKeyDown(m, 0));
+    YmKeyUp(m);
+    EXPECT_EQ(m.ym.YmRegs[0xB0], 16);
+    const std::vector<std::pair<int, int>> keyed = {
+        {896, 0xA0}, {897, 514 / 3}, {896, 0xB0}, {897, 0x30}};
+    ASSERT_GE(sink.seen.size(), 4u);
+    EXPECT_EQ(std::vector(sink.seen.end() - 6, sink.seen.end() - 2), keyed);
+
+    sink.seen.clear();
+    for (int r = 0; r < 256; ++r)
+        m.ym.YmRegs[r] = 0x55;
+    YmResetButton(m);
+    ASSERT_EQ(sink.seen.size(), 255u * 2);
+    for (int r = 0; r < 255; ++r) {
+        EXPECT_EQ(sink.seen[2 * r], std::pair(896, r));
+        EXPECT_EQ(sink.seen[2 * r + 1], std::pair(897, 0));
+        EXPECT_EQ(m.ym.YmRegs[r], 0);
+    }
+    EXPECT_EQ(m.ym.YmRegs[255], 0x55);
+    m.ym.DirectSink = nullptr;
+}
+
+TEST(ChipPanels, SidBoxTakesHomeMachineAddresses) {
+    const struct {
+        const char *address, *value;
+        int reg, byte;
+    } rows[] = {{"54272", "17", 0, 17},     {"54296", "15", 24, 15}, {"54276", " 65x", 4, 65},
+                {"54000", "300", 0, 255},   {"99999", "-4", 255, 0}, {"abc", "", 0, 0},
+                {"54290 ", "0129", 18, 129}};
+    for (const auto& r : rows) {
+        FSIDControls c;
+        c.Text2 = r.address, c.Text3 = r.value;
+        const std::vector<PortWrite> want = {{0x38, uint8_t(r.reg)}, {0x39, uint8_t(r.byte)}};
+        EXPECT_EQ(SidBoxWrites(c), want) << r.address;
+    }
+    TestMachine t;
+    Machine& m = t.m();
+    m.forms.FSID.Text2 = "54273", m.forms.FSID.Text3 = "200";
+    SidWriteButton(m);
+    EXPECT_EQ(m.sid.SidRegs[1], 200);
 }
 
 } // namespace

@@ -131,7 +131,6 @@ TEST_F(Maps, UnderrunsAndStallsAreCounted) {
     EXPECT_EQ(player.Stats().underruns, 1u);
     EXPECT_EQ(player.Stats().stalls, 1u);
 
-    // Without a device the wall clock paces: one unit per 100 ms.
     AudioPlayer silent(link, nullptr);
     for (int ms = 0; ms < 10000; ++ms, now += 1ms) {
         silent.Step(now, unit);

@@ -155,15 +155,6 @@ TEST_F(Pump, WithoutABridgeTheLineDropsWhatIsSent) {
     EXPECT_TRUE(m().serial.standInNoted);
 }
 
-TEST_F(Pump, ClosingRemovesTheMap) {
-    SerialClose(m());
-    MMapper again;
-    EXPECT_FALSE(again.OpenMap(kSerialMapName, kSerialRecordSize));
-    SerialPump(m()); // a closed link is quiet
-}
-
-// The printer gets ASCII as it is and, for 127 to 159, the same code page
-// 852 letters the monitors draw; the rest prints as dots.
 TEST(Printer, CodeTableOverAllBytes) {
     for (int b = 0; b < 256; ++b) {
         const int want = b < 127 ? b : b >= 160 ? '.' : MonitorFontCode(b);

@@ -9,6 +9,7 @@
 
 #include "core/Numbers.h"
 #include "hw/Ports.h"
+#include "sound/ChipPanels.h"
 #include "support/TestMachine.h"
 
 namespace tvc::test {
@@ -158,6 +159,44 @@ TEST(Ym3812, DirectOutput) {
         EXPECT_EQ(m.forms.FYM3812.Check3, k.check && !k.fail) << k.text; // a failed write unticks
         EXPECT_EQ(m.ym.YmRegs[0xA0] + m.ym.YmRegs[0xB0] * 256, 7 + 0x21 * 256) << k.text;
     }
+}
+
+// The panel's keys and its reset button go out through the ports too.
+TEST(ChipPanels, YmKeyboardAndResetGoThroughThePorts) {
+    TestMachine t;
+    Machine& m = t.m();
+    RecordingSink sink;
+    m.ym.DirectSink = &sink;
+    m.forms.FYM3812.Check3 = true;
+    const char keys[] = "ASDFGHJK";
+    const int values[8] = {343, 385, 432, 458, 514, 577, 647, 686};
+    for (int i = 0; i < 8; ++i) {
+        ASSERT_TRUE(YmKeyDown(m, keys[i]));
+        EXPECT_EQ(m.ym.YmRegs[0xA0], values[i] / 3);
+        EXPECT_EQ(m.ym.YmRegs[0xB0], 0x30);
+    }
+    EXPECT_TRUE(YmKeyDown(m, 'g'));
+    EXPECT_FALSE(YmKeyDown(m, 'Q'));
+    EXPECT_FALSE(YmKeyDown(m, 0));
+    YmKeyUp(m);
+    EXPECT_EQ(m.ym.YmRegs[0xB0], 16);
+    const std::vector<std::pair<int, int>> keyed = {
+        {896, 0xA0}, {897, 514 / 3}, {896, 0xB0}, {897, 0x30}};
+    ASSERT_GE(sink.writes.size(), 4u);
+    EXPECT_EQ(std::vector(sink.writes.end() - 6, sink.writes.end() - 2), keyed);
+
+    sink.writes.clear();
+    for (int r = 0; r < 256; ++r)
+        m.ym.YmRegs[r] = 0x55;
+    YmResetButton(m);
+    ASSERT_EQ(sink.writes.size(), 255u * 2);
+    for (int r = 0; r < 255; ++r) {
+        EXPECT_EQ(sink.writes[2 * r], std::pair(896, r));
+        EXPECT_EQ(sink.writes[2 * r + 1], std::pair(897, 0));
+        EXPECT_EQ(m.ym.YmRegs[r], 0);
+    }
+    EXPECT_EQ(m.ym.YmRegs[255], 0x55);
+    m.ym.DirectSink = nullptr;
 }
 
 // The YM2413 through its own ports.

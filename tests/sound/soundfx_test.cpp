@@ -237,21 +237,6 @@ TEST_F(Link, MaxPaceNeitherWaitsNorDelivers) {
     EXPECT_EQ(tapped, kAudioUnitBytes);
 }
 
-TEST_F(Link, SilentSinkTakesOneUnitEvery100Ms) {
-    SilentSink sink(player);
-    auto now = std::chrono::steady_clock::time_point{} + std::chrono::hours(1);
-    int taken = 0;
-    for (int ms = 0; ms < 1000; ++ms) {
-        if (sink.Step(now + std::chrono::milliseconds(ms))) ++taken;
-        if (player.Handshake() == kHandshakeAsk) { // the emulator answers at once
-            m->sound.BlockIndex = 5;
-            SoundFrame(*m);
-        }
-    }
-    EXPECT_GE(taken, 9);
-    EXPECT_LE(taken, 10);
-}
-
 TEST_F(Link, RecordButtonKeepsTheLatestUnitBehindTheTemplatesHeader) {
     std::vector<uint8_t> techno(44 + 10000, 0x55);
     dir->Write("techno.wav", techno);

@@ -1,7 +1,7 @@
-// The two square-wave chips. The AY-3-8910: decode and masks, tones at the
-// volume law's levels, the envelope shapes and their restarts, mixing. The
-// SN76489: its byte protocol, tone and noise frequencies, the periodic
-// noise's replay.
+// The square-wave generators. The AY-3-8910: decode and masks, the envelope
+// shapes and their restarts, mixing. The SN76489: its byte protocol, noise
+// frequencies, the periodic noise's replay. Then the pitch and level of the
+// AY's, the SN's and the machine's own squares.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -9,6 +9,7 @@
 
 #include "core/Numbers.h"
 #include "hw/Ports.h"
+#include "sound/SoundFX.h"
 #include "support/TestMachine.h"
 
 namespace tvc::test {
@@ -37,33 +38,6 @@ TEST(Ay8910, DecodeMasksInPlaceAndIgnoresHighLatches) {
     const int mixes[] = {~0x2A & 9, ~0x2A & 18, ~0x2A & 36};
     for (int c = 0; c < 3; ++c)
         EXPECT_EQ(m.ay.AyChannel[c].Mix, mixes[c]);
-}
-
-TEST(Ay8910, ToneFrequencyAndLevels) {
-    const struct { int period, amp; } cases[] = {{254, 15}, {0, 15}, {1, 9}, {1000, 3}, {4095, 15}};
-    for (const auto& k : cases) {
-        TestMachine t;
-        Machine& m = t.m();
-        Reg(m, 2, k.period & 255), Reg(m, 3, k.period >> 8), Reg(m, 7, 0x3D), Reg(m, 9, k.amp);
-        const int hz =
-            int(std::min<int64_t>(RoundHalfEven(111861.0 / std::max(k.period * 2, 1)), 11000));
-        int edges = 0;
-        int16_t prev = 0;
-        for (int b = 0; b < 50; ++b) {
-            AyRender(m);
-            for (int16_t v : m.ay.AyOut)
-                edges += prev < 0 && v > 0, prev = v;
-        }
-        EXPECT_EQ(m.ay.AyChannel[1].Freq, hz);
-        // Each turn of the phase is a whole period at 22,050 Hz, so the square
-        // turns twice per step's hertz, folded about the sample rate.
-        const int turns = 2 * hz,
-                  folded = std::abs(turns - 22050 * int(std::lround(turns / 22050.0)));
-        EXPECT_NEAR(edges, folded, folded * 0.01 + 1) << k.period;
-        const int peak = int(RoundHalfEven(std::pow(0.75, 15 - k.amp) * 16));
-        EXPECT_EQ(*std::max_element(std::begin(m.ay.AyOut), std::end(m.ay.AyOut)), peak);
-        EXPECT_EQ(*std::min_element(std::begin(m.ay.AyOut), std::end(m.ay.AyOut)), -peak);
-    }
 }
 
 // The envelope level at samples 100 and 440 of the first block and at
@@ -181,34 +155,6 @@ TEST(Sn76489, ByteProtocol) {
     EXPECT_EQ(s.SnChannel[0].Attenuation, 0);
 }
 
-// Rising edges of the output over `blocks` blocks.
-int RisingEdges(Machine& m, int blocks) {
-    int edges = 0;
-    int16_t prev = 0;
-    for (int b = 0; b < blocks; ++b) {
-        SnRender(m);
-        for (int16_t v : m.sn.Sn76489Out)
-            edges += prev < 0 && v > 0, prev = v;
-    }
-    return edges;
-}
-
-TEST(Sn76489, ToneFrequencyAndLinearVolume) {
-    const int dividers[] = {0, 1, 254, 1023, 300};
-    for (int n : dividers) {
-        for (int att : {0, 6}) {
-            TestMachine t;
-            Bytes(t.m(), {0x80 | (n & 15), n >> 4, 0x90 | att});
-            const int hz = std::min(3579545 / std::max(n, 1) / 32, 11000);
-            EXPECT_NEAR(RisingEdges(t.m(), 50), hz, hz * 0.01 + 1) << n;
-            const auto [lo, hi] =
-                std::minmax_element(std::begin(t.m().sn.Sn76489Out), std::end(t.m().sn.Sn76489Out));
-            EXPECT_EQ(*hi, (15 - att) * 20) << n;
-            EXPECT_EQ(*lo, -(15 - att) * 20);
-        }
-    }
-}
-
 TEST(Sn76489, NoiseRatesCountTheirFlips) {
     // Rate 3 takes tone 2's High times 64.
     const struct {
@@ -261,6 +207,68 @@ TEST(Sn76489, SilentAfterResetWithPhasesStanding) {
     EXPECT_TRUE(std::all_of(std::begin(m.sn.Sn76489Out), std::end(m.sn.Sn76489Out),
                             [](int16_t v) { return v == 0; }));
     EXPECT_EQ(m.sn.SnPhase[0], phase);
+}
+
+// Rising edges over a second of blocks and the extremes of the last block.
+struct Heard {
+    int edges = 0, low = 0, high = 0;
+};
+Heard Listen(Machine& m, void (*render)(Machine&), const int16_t* out) {
+    Heard h;
+    int16_t prev = 0;
+    for (int b = 0; b < 50; ++b) {
+        render(m);
+        for (int i = 0; i < 441; ++i)
+            h.edges += prev < 0 && out[i] > 0, prev = out[i];
+    }
+    const auto [lo, hi] = std::minmax_element(out, out + 441);
+    h.low = *lo, h.high = *hi;
+    return h;
+}
+
+// The square waves of the AY, the SN and the machine's own tone generator:
+// the pitch each one's divider gives, capped at 11,000 Hz, at its level law.
+TEST(SquareWaves, PitchAndLevelFollowEachGeneratorsRule) {
+    enum Chip { Ay, Sn, Tone };
+    const struct {
+        Chip chip;
+        int divider, level;
+    } rows[] = {{Ay, 254, 15}, {Ay, 0, 15},      {Ay, 1, 9},       {Ay, 1000, 3},   {Ay, 4095, 15},
+                {Sn, 0, 0},    {Sn, 1, 6},       {Sn, 254, 0},     {Sn, 1023, 6},   {Sn, 300, 0},
+                {Tone, 0, 15}, {Tone, 3072, 15}, {Tone, 4000, 15}, {Tone, 4080, 15}};
+    for (const auto& k : rows) {
+        TestMachine t;
+        Machine& m = t.m();
+        double edges = 0;
+        int peak = 0;
+        Heard h;
+        if (k.chip == Ay) {
+            Reg(m, 2, k.divider & 255), Reg(m, 3, k.divider >> 8), Reg(m, 7, 0x3D);
+            Reg(m, 9, k.level);
+            const int hz =
+                int(std::min<int64_t>(RoundHalfEven(111861.0 / std::max(k.divider * 2, 1)), 11000));
+            // Each turn of the phase is a whole period at 22,050 Hz, so the
+            // square turns twice per step's hertz, folded about the sample rate.
+            edges = std::abs(2 * hz - 22050 * int(std::lround(2 * hz / 22050.0)));
+            peak = int(RoundHalfEven(std::pow(0.75, 15 - k.level) * 16));
+            h = Listen(m, AyRender, m.ay.AyOut);
+        } else if (k.chip == Sn) {
+            Bytes(m, {0x80 | (k.divider & 15), k.divider >> 4, 0x90 | k.level});
+            edges = std::min(3579545 / std::max(k.divider, 1) / 32, 11000);
+            peak = (15 - k.level) * 20;
+            h = Listen(m, SnRender, m.sn.Sn76489Out);
+        } else {
+            m.bus.PortLatch[4] = uint8_t(k.divider & 255);
+            m.bus.PortLatch[5] = uint8_t(k.divider >> 8 | 0x10); // on
+            m.bus.PortLatch[6] = uint8_t(k.level << 2);
+            edges = std::min(195312.5 / (4096 - k.divider), 11000.0);
+            peak = 105;
+            h = Listen(m, TvcToneBlock, m.sound.TvcToneOut);
+        }
+        EXPECT_NEAR(h.edges, edges, edges * 0.01 + 1) << k.chip << " " << k.divider;
+        EXPECT_EQ(h.high, peak) << k.chip << " " << k.divider;
+        EXPECT_EQ(h.low, -peak) << k.chip << " " << k.divider;
+    }
 }
 
 } // namespace

@@ -20,40 +20,6 @@ void SetTone(Machine& m, int pitch, bool on, int volume) {
     m.bus.PortLatch[6] = static_cast<uint8_t>(volume << 2);
 }
 
-// Level changes of the tone over `blocks` blocks, and the peak seen.
-struct Wave {
-    int edges = 0, peak = 0, low = 0;
-};
-Wave Render(Machine& m, int blocks) {
-    Wave w;
-    int16_t prev = 0;
-    for (int b = 0; b < blocks; ++b) {
-        TvcToneBlock(m);
-        for (int16_t s : m.sound.TvcToneOut) {
-            if (b + prev != 0 && s != prev) ++w.edges;
-            w.peak = std::max<int>(w.peak, s);
-            w.low = std::min<int>(w.low, s);
-            prev = s;
-        }
-    }
-    return w;
-}
-
-TEST(ToneGenerator, SquareWaveAtTheDividedClock) {
-    const struct {
-        int pitch;
-        double hz;
-    } cases[] = {{0, 48}, {3072, 191}, {4000, 2035}, {4080, 11000}};
-    for (const auto& k : cases) {
-        TestMachine t;
-        SetTone(t.m(), k.pitch, true, 15);
-        const Wave w = Render(t.m(), 50); // one second
-        EXPECT_NEAR(w.edges / 2.0, k.hz, k.hz * 0.01 + 1) << k.pitch;
-        EXPECT_EQ(w.peak, 105);
-        EXPECT_EQ(w.low, -105);
-    }
-}
-
 // Level events from the slots: held between events and across blocks, at
 // five per step; the level path takes pitches above 4,080, and a tone's
 // block drops them.

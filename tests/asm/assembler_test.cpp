@@ -61,6 +61,7 @@ TEST(Assembler, SourcesToBytesSymbolsAndMessages) {
         {"ORG 100\nDB 1,2,3\nDB $123\nDW $1234,4660\nX:", 100, {1, 2, 3, 0x12, 0x12, 0x34, 0x12, 0x34},
          0, 0, "", {{"X", 108}}},
         {"ORG 100\nDS 3,65\nDS 2,$41\nX:", 100, {65, 65, 65, 0x41, 0x41, E}, 0, 0, "", {{"X", 105}}},
+        {"ORG 100\nDS 2,255", 100, {255, 255, E}}, // the top fill value
         {"ORG 100\nDB \"Az\xC3\x81\"\nX:", 100, {'A', 'z', 0x80, E}, 0, 0, "", X103},
         // Indented: 1 byte in pass 1.
         {"ORG 100\n  DB \"ABC\"\nX:", 100, {'A', 'B', 'C'}, 0, 0, "", {{"X", 101}}},
@@ -196,7 +197,8 @@ TEST(Assembler, TVCASCTableAndSourceText) {
     EXPECT_EQ(TVCASC('A'), 'A');
     EXPECT_EQ(TVCASC(0xC2), 0xC2);
     EXPECT_EQ(NormaliseSource("a\r\nb\nc\rd\xC5\x91"), "a\r\nb\r\nc\r\nd\xF5");
-    EXPECT_EQ(NormaliseSource("\xEF\xBB\xBFx\xE2\x82\xAC\xE4\xB8\x80"), "x\x80?");
+    // No Windows-1250 byte for U+0080 nor U+4E00.
+    EXPECT_EQ(NormaliseSource("\xEF\xBB\xBFx\xE2\x82\xAC\xE4\xB8\x80\xC2\x80"), "x\x80??");
     EXPECT_EQ(NormaliseSource("\xF5\xFF"), "\xF5\xFF"); // not UTF-8: taken as it stands
     for (int b = 0x80; b < 0x100; ++b) { // every character of Windows-1250 comes back as its byte
         const std::string utf8 = test::CodepageUtf8("CP1250", uint8_t(b));

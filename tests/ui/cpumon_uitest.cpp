@@ -81,7 +81,7 @@ void CPUmonTest::boxesClampWhatIsTyped() {
         {f.mon->Text4[2], "7", &Z80::IntMode, 3, "3"},
     };
     for (const auto& r : rows) {
-        r.box->setText(r.typed); // typing alone changes nothing
+        r.box->setText(r.typed);
         QTest::keyClick(r.box, Qt::Key_Return);
         QCOMPARE(c.*r.field, r.stored);
         QCOMPARE(r.box->text(), QString(r.shown));

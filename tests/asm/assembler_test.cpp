@@ -5,7 +5,6 @@
 #include <sys/stat.h>
 
 #include <fstream>
-#include <random>
 
 #include "asm/AsmLines.h"
 #include "asm/AsmText.h"
@@ -62,6 +61,7 @@ TEST(Assembler, SourcesToBytesSymbolsAndMessages) {
         {"ORG 100\nDB 1,2,3\nDB $123\nDW $1234,4660\nX:", 100, {1, 2, 3, 0x12, 0x12, 0x34, 0x12, 0x34},
          0, 0, "", {{"X", 108}}},
         {"ORG 100\nDS 3,65\nDS 2,$41\nX:", 100, {65, 65, 65, 0x41, 0x41, E}, 0, 0, "", {{"X", 105}}},
+        {"ORG 100\nDS 2,255", 100, {255, 255, E}}, // the top fill value
         {"ORG 100\nDB \"Az\xC3\x81\"\nX:", 100, {'A', 'z', 0x80, E}, 0, 0, "", X103},
         // Indented: 1 byte in pass 1.
         {"ORG 100\n  DB \"ABC\"\nX:", 100, {'A', 'B', 'C'}, 0, 0, "", {{"X", 101}}},
@@ -73,8 +73,6 @@ TEST(Assembler, SourcesToBytesSymbolsAndMessages) {
          {0xC3, 0x00, 0xC0, 0x2A, 0x01, 0x02, 0xDD, 0x70, 5, 0xFD, 0x7E, 0xFF}},
         {"ORG 100\nLD (IX+$10),$20\nLD (IY+1),2\nX:", 100, {0xDD, 0x36, 0x10, 0x20, 0xFD, 0x36, 1, 2},
          0, 0, "", {{"X", 108}}},
-        {"ORG 100\nBIT 3,(IX+5)\nLD B,SET 6,(IY+5)*\nSLL B*\nLD IXH,5*\nIM 2", 100,
-         {0xDD, 0xCB, 5, 0x5E, 0xFD, 0xCB, 5, 0xF0, 0xCB, 0x30, 0xDD, 0x26, 5, 0xED, 0x5E}},
         {"ORG 100\nRST $38\nRST 8H\nJR 5\nOUT (254),A\nIN A,($FE)", 100,
          {0xFF, 0xCF, 0x18, 5, 0xD3, 0xFE, 0xDB, 0xFE}},
         {"ORG 100\nLD IY,(30)\nX:", 100, {0xFD, 0x2A, 30, E}, 0, 0, "", X103}, // FD2A is type "n"
@@ -90,7 +88,7 @@ TEST(Assembler, SourcesToBytesSymbolsAndMessages) {
         {"LOOP:\nLOOP:", 0, {}, 2, 1, "Existing name!"},  {"LOOP :", 0, {}, 1, 1, "Syntax Error!"},
         {"LOOP: NOP", 0, {}, 1, 1, "Internal Error P1!"}, {"K: EQU 1+2", 0, {}, 1, 1, "Syntax Error!"},
         {"ABCDEFGHIJKLMNOPQRSTUV:", 0, {}, 1, 1, "Syntax Error!"}, // 23 with the colon
-        {"K: EQU X", 0, {}, 1, 1, "Syntax Error!"},      {"ORG 65536", 0, {}, 1, 1, "OverFlow Error!"},
+        {"ORG 65536", 0, {}, 1, 1, "OverFlow Error!"},
         {"ORG -1", 0, {}, 1, 1, "OverFlow Error!"},      {"ORG .", 0, {}, 1, 1, "Syntax Error!"},
         {"ORG 9999999999", 0, {}, 1, 1, "Internal Error P1!"}, {"DB 256", 0, {}, 1, 1, "OverFlow Error!"},
         {"DB -1", 0, {}, 1, 1, "OverFlow Error!"},       {"DS 0,65", 0, {}, 1, 1, "Syntax Error!"},
@@ -98,10 +96,10 @@ TEST(Assembler, SourcesToBytesSymbolsAndMessages) {
         {"DS 3,256", 0, {}, 1, 1, "OverFlow Error!"},    {"DS 3", 0, {}, 1, 1, "Internal Error P1!"},
         {"    DS 3,1", 0, {}, 1, 1, "Syntax Error!"}, // indented: the count is read at a fixed column
         {"LD A,256", 0, {}, 1, 1, "OverFlow Error!"},    {"LD A,", 0, {}, 1, 1, "Syntax Error!"},
-        {"LD A,$", 0, {}, 1, 1, "Syntax Error!"},        {"INCBIN X", 0, {}, 1, 1, "Syntax Error!"},
+        {"INCBIN X", 0, {}, 1, 1, "Syntax Error!"},
         {"LD A,99999999999", 0, {}, 1, 1, "Internal Error P1!"},
         {"RST 8", 0, {}, 1, 1, "Internal Error P1!"},    {"XOR @X", 0, {}, 1, 1, "OverFlow Error!"},
-        {"LD C,@X", 0, {}, 1, 1, "Internal Error P1!"},  {"LD IX,(@X)", 0, {}, 1, 1, "Internal Error P1!"},
+        {"LD IX,(@X)", 0, {}, 1, 1, "Internal Error P1!"},
         {"ORG 100\nDB 9\nJP @X", 100, {9}, 3, 2, "Syntax Error!"}, // undefined; pass 1 bytes stay
         {"ORG 100\nLD IXH,5", 100, {E}, 2, 2, "Internal Error P2!"},
         {"ORG 100\nLD (IX+5),256", 100, {E}, 2, 2, "OverFlow Error!"},
@@ -199,7 +197,8 @@ TEST(Assembler, TVCASCTableAndSourceText) {
     EXPECT_EQ(TVCASC('A'), 'A');
     EXPECT_EQ(TVCASC(0xC2), 0xC2);
     EXPECT_EQ(NormaliseSource("a\r\nb\nc\rd\xC5\x91"), "a\r\nb\r\nc\r\nd\xF5");
-    EXPECT_EQ(NormaliseSource("\xEF\xBB\xBFx\xE2\x82\xAC\xE4\xB8\x80"), "x\x80?");
+    // No Windows-1250 byte for U+0080 nor U+4E00.
+    EXPECT_EQ(NormaliseSource("\xEF\xBB\xBFx\xE2\x82\xAC\xE4\xB8\x80\xC2\x80"), "x\x80??");
     EXPECT_EQ(NormaliseSource("\xF5\xFF"), "\xF5\xFF"); // not UTF-8: taken as it stands
     for (int b = 0x80; b < 0x100; ++b) { // every character of Windows-1250 comes back as its byte
         const std::string utf8 = test::CodepageUtf8("CP1250", uint8_t(b));
@@ -234,11 +233,11 @@ TEST(Assembler, IncbinFiles) {
         std::string source;
         std::string message;
     } cases[] = {
-        {"ORG 100\nINCBIN \"Data.Bin\"\nX:\nNOP", ""},
         {"INCBIN \"big.bin\"", "OverFlow Error!"},
         {"INCBIN \"sub.bin\"", "Internal Error P1!"},
         {"INCBIN \"fifo.bin\"", "Internal Error P1!"},
         {"INCBIN \"/dev/zero\"", "Internal Error P1!"},
+        {"ORG 100\nINCBIN \"Data.Bin\"\nX:\nNOP", ""}, // last: its results stand
     };
     for (const auto& k : cases) {
         m.forms.asse.RText1 = k.source;
@@ -246,8 +245,6 @@ TEST(Assembler, IncbinFiles) {
         EXPECT_EQ(m.forms.asse.Text13.rfind(k.message.empty() ? "Completed" : k.message, 0), 0u)
             << k.source << ": " << m.forms.asse.Text13;
     }
-    m.forms.asse.RText1 = cases[0].source;
-    ASSERT_EQ(asse::Command1_Click(m), 0);
     EXPECT_EQ(MemRead(m, 100), 1);
     EXPECT_EQ(MemRead(m, 102), 3);
     EXPECT_EQ(MemRead(m, 103), 0);
@@ -273,44 +270,25 @@ TEST(Assembler, RunButtons) {
     EXPECT_EQ(m.cpu.RegPC, 0);
 }
 
+// Random bytes are the fuzz target's business; these are the limits.
 TEST(Assembler, BadInputEndsInResultOrMessage) {
-    std::mt19937 rng(7);
-    std::vector<std::string> sources = {std::string(100000, '9'),
-                                        "LD A," + std::string(100000, '1'),
-                                        "$",
-                                        "@",
-                                        "(",
-                                        "DS 2147483647,0",
-                                        "ORG 65535\nDB 1,2,3\nDW 1,2\nDS 9,9",
-                                        std::string(10000, 'N') + ":",
-                                        "JP @" + std::string(10000, 'N'),
-                                        std::string("\0\0NOP\0", 6),
-                                        "DB \"",
-                                        "INCBIN \"",
-                                        "ORG 65535\nDS 2147483647,0\nNOP",
-                                        "PMEM=99999999999"};
+    // clang-format off
+    std::vector<std::string> sources = {
+        std::string(100000, '9'), "LD A," + std::string(100000, '1'), "$", "@", "(", "DB \"",
+        "DS 2147483647,0", "ORG 65535\nDB 1,2,3\nDW 1,2\nDS 9,9", std::string(10000, 'N') + ":",
+        "JP @" + std::string(10000, 'N'), std::string("\0\0NOP\0", 6), "INCBIN \"",
+        "ORG 65535\nDS 2147483647,0\nNOP", "PMEM=99999999999"};
+    // clang-format on
     std::string labels;
     for (int i = 0; i < 20000; ++i)
         labels.append("L").append(std::to_string(i)).append(":\n");
     sources.push_back(labels + "JP @L19999");
-    for (int i = 0; i < 20; ++i) {
-        std::string s(1000, '\0');
-        for (char& ch : s)
-            ch = static_cast<char>(rng());
-        sources.push_back(s);
-    }
     for (const std::string& s : sources) {
         Compiled c(s);
         if (c.result != 0) { EXPECT_GE(c.asse().ErrorLine, 1) << s.substr(0, 40); }
         EXPECT_EQ(c.tm.m().bus.PortLatch[2], 0xB0);
     }
 }
-
-} // namespace
-} // namespace tvc
-
-namespace tvc {
-namespace {
 
 // The table index answers as the plain substring search does, for every
 // row's key, every key cut short by a character, and lines it never holds.

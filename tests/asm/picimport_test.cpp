@@ -24,12 +24,10 @@ PixelGrid OnePixel(int32_t at, int32_t colour) {
     return g;
 }
 
-TEST(PicImport, TwoColoursPutTheLeftPixelInBit7) {
+// The left pixel goes in bit 7; it is set where its gray is above H + 78.
+TEST(PicImport, TwoColoursThresholdIsGrayAboveHPlus78) {
     for (int32_t k = 0; k < 8; ++k)
         EXPECT_EQ(ImportByte(OnePixel(k, 0xFFFFFF), PixelRule::Two, 0, 0, 0, 0), 0x80 >> k) << k;
-}
-
-TEST(PicImport, TwoColoursThresholdIsGrayAboveHPlus78) {
     const struct {
         int32_t gray, h;
         bool set;

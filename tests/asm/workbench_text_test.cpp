@@ -30,22 +30,15 @@ TEST(Converter, NineStepsInOrder) {
         {"A ;c\nB", "A \r\nB"}, {"A ;c\rB", "A \r\nB"},
         // TAB to blank, the line-start blank dropped; an indented DB stays
         {"x\n\tNOP", "x\r\nNOP"}, {"A\r\n  DB 1", "A\r\nDB 1"},
-        // blank runs of 6, 12, 13 and 2 end as one
-        {"a      b", "a b"}, {"a            b", "a b"}, {"a             b", "a b"},
-        {"a  b", "a b"},
-        // the jump table, exact case
-        {"jr x", "jr @x"}, {"JR Z,X", "jr Z,@X"}, {"JR NZ,X", "jr nz,@X"},
-        {"JR C,X", "jr c,@X"}, {"JR nc,X", "jr nc,@X"}, {"JP Z,X", "jp z,@X"},
-        {"JP NZ,X", "jp nz,@X"}, {"JP X", "jp @X"}, {"call 5", "call @5"},
-        {"JR NC,X", "JR NC,X"}, {"JR X", "JR X"}, {"jp x", "jp x"},
+        // blank runs of 13 and 2 end as one
+        {"a             b", "a b"}, {"a  b", "a b"},
+        // the jump table, exact case only
+        {"jr x", "jr @x"}, {"JR Z,X", "jr Z,@X"}, {"JP X", "jp @X"}, {"call 5", "call @5"},
+        {"JR NC,X", "JR NC,X"}, {"jp x", "jp x"}, {"call @x", "call @@x"}, // not idempotent
     };
     for (auto [in, out] : cases) EXPECT_EQ(ConvertTvcasm(in), out) << '"' << in << '"';
 }
 // clang-format on
-
-TEST(Converter, IsNotIdempotent) {
-    EXPECT_EQ(ConvertTvcasm(ConvertTvcasm("call x")), "call @@x");
-}
 
 TEST(Converter, LongBlankRunsAndNulsPass) {
     const std::string big =
@@ -60,11 +53,9 @@ TEST(Converter, LongBlankRunsAndNulsPass) {
 // clang-format off
 TEST(Format, FirstFittingRuleGivesTheColour) {
     const std::pair<const char*, int32_t> cases[] = {
-        {"X: EQU 5", 0xFF0000}, {"X: EQUAL", 0xFF0000}, {"  LOOP:  ", 0xFF0000},
-        {"'note:", 0xFF0000}, {" *BREAK", 0x1919DE}, {"  db 1", 0xE119DE},
-        {"DS 5,0", 0xE119DE}, {"Dw 7", 0xE119DE}, {"DB", 0}, {"INCBIN \"a\"", 0xFF0000},
-        {"ORG 100", 0xFF0000}, {" ORG 100", 0}, {"org 100", 0}, {"LD A,5", 0},
-        {"X EQU 5", 0}, {"\tLOOP:", 0xFF0000}, {"\t*X", 0},
+        {"X: EQU 5", 0xFF0000}, {"  LOOP:  ", 0xFF0000}, {"'note:", 0xFF0000},
+        {" *BREAK", 0x1919DE}, {"  db 1", 0xE119DE}, {"Dw 7", 0xE119DE}, {"DB", 0},
+        {"ORG 100", 0xFF0000}, {" ORG 100", 0}, {"org 100", 0}, {"X EQU 5", 0}, {"\t*X", 0},
     };
     for (auto [line, colour] : cases) EXPECT_EQ(FormatLineColour(line), colour) << line;
 }
@@ -107,20 +98,27 @@ class OpcodeHelpTest : public ::testing::Test {
     }
 };
 
+// The rows that begin as the line does up to the cursor; a full operand
+// finds nothing, and within 255 characters the line left of the cursor is tried.
 TEST_F(OpcodeHelpTest, LinesGiveTheRowsThatBeginSo) {
     const struct {
-        const char* text;
+        std::string text;
         size_t cursor;
         bool undoc;
         const char* prefix; // nullptr: no help at all
         bool selected;
-    } cases[] = {
-        {"LD", 2, false, "LD", false},         {"LD", 2, true, "LD", false},
-        {"  ld a,", 7, false, "LD A,", false}, {"NOP", 3, false, "NOP", true},
-        {"NOP 'x", 6, false, "NOP", true},     {"X:\r\nNOP", 7, false, "NOP", true},
-        {"NOP", 0, false, nullptr, false},     {"   'x", 5, false, nullptr, false},
-        {"X:\r\nNOP", 4, false, "NOP", true},  {"X:\r\nNOP", 2, false, "#", false},
-    };
+    } cases[] = {{"LD", 2, false, "LD", false},
+                 {"LD", 2, true, "LD", false},
+                 {"  ld a,", 7, false, "LD A,", false},
+                 {"NOP 'x", 6, false, "NOP", true},
+                 {"X:\r\nNOP", 7, false, "NOP", true},
+                 {"X:\r\nNOP", 4, false, "NOP", true},
+                 {"NOP", 0, false, nullptr, false},
+                 {"   'x", 5, false, nullptr, false},
+                 {"X:\r\nNOP", 2, false, "#", false},
+                 {"LD A,15", 7, false, "#", false},
+                 {"HALT X", 3, false, "HALT", true},
+                 {"NOP" + std::string(252, ' ') + "X", 1, false, "NOP", true}};
     for (const auto& c : cases) {
         const auto r = OpcodeHelp(c.text, c.cursor, c.undoc);
         ASSERT_EQ(r.has_value(), c.prefix != nullptr) << c.text;
@@ -130,35 +128,13 @@ TEST_F(OpcodeHelpTest, LinesGiveTheRowsThatBeginSo) {
     }
 }
 
-TEST_F(OpcodeHelpTest, FullOperandFindsNothingAndLeftOfCursorIsTried) {
-    // clang-format off
-    const struct { std::string text; size_t cursor; std::vector<std::string> rows; } cases[] = {
-        {"LD A,15", 7, {}},
-        {"HALT X", 3, {"HALT"}}, // nothing for "HALT X"; "HAL" begins one row only
-        // Within 255 characters the line is "NOP"; one more would take in the "X".
-        {"NOP" + std::string(252, ' ') + "X", 1, {"NOP"}}};
-    // clang-format on
-    for (const auto& c : cases) {
-        const auto r = OpcodeHelp(c.text, c.cursor, false);
-        ASSERT_TRUE(r);
-        EXPECT_EQ(r->List2, c.rows) << c.text;
-        EXPECT_EQ(r->selected, c.rows.size() == 1 ? 0 : -1);
-    }
-}
-
 TEST_F(OpcodeHelpTest, PanelFromTheInfoTable) {
-    const auto nop = OpcodeInfo("NOP");
-    ASSERT_TRUE(nop);
-    EXPECT_EQ(nop->Text8 + "|" + nop->Text7 + "|" + nop->Text10 + "|" + nop->Text11,
-              "------|1|4|No operation is performed.");
     const auto inc = OpcodeInfo("INC B");
     ASSERT_TRUE(inc);
     for (size_t i = 0; i < 6; ++i)
         EXPECT_EQ(inc->Label7[i].caption, FlagCaption("-0V+++"[i])->caption) << i;
     EXPECT_FALSE(OpcodeInfo("NOT AN OPCODE"));
-    const auto ex = OpcodeInfo("EX AF,AF\xE2\x80\x99");
-    ASSERT_TRUE(ex);
-    EXPECT_EQ(ex->Text7, "1");
+    ASSERT_TRUE(OpcodeInfo("EX AF,AF\xE2\x80\x99"));
     ASSERT_TRUE(OpcodeInfo("SLL B*"));
 }
 

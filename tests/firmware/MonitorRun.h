@@ -69,11 +69,4 @@ inline std::vector<std::string> ScreenText(const Shot& s) {
     return rows;
 }
 
-inline std::string Joined(const std::vector<std::string>& rows) {
-    std::string all;
-    for (const auto& r : rows)
-        all += r + "\n";
-    return all;
-}
-
 } // namespace tvc::test

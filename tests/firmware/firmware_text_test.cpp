@@ -1,7 +1,6 @@
 // Reading the monitor's font and key layout files.
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <sstream>
 
 #include "FirmwareText.h"
@@ -117,24 +116,6 @@ TEST(FirmwareText, StrokesPreferKeysWithoutShift) {
     EXPECT_FALSE(find('\'').shift);
     EXPECT_TRUE(find('"').shift);
     EXPECT_EQ(find('Z').row, -1);
-}
-
-// The files of the real ROM: complete, and every printable character and
-// Enter and Backspace has a key.
-TEST(FirmwareText, TheMonitorsOwnTablesAreComplete) {
-    std::ifstream font(std::string(TVC_FIRMWARE_SRC) + "/font.txt");
-    std::ifstream keys(std::string(TVC_FIRMWARE_SRC) + "/keys.txt");
-    std::string error;
-    ASSERT_TRUE(ParseFont(font, error)) << error;
-    const auto layout = ParseKeyLayout(keys, error);
-    ASSERT_TRUE(layout) << error;
-    std::string typed;
-    for (const KeyStroke& k : StrokesFor(*layout))
-        typed += k.ch;
-    std::string want = {kBackspace, kEnter};
-    for (char c = 0x20; c < 0x7F; ++c)
-        want += c;
-    EXPECT_EQ(typed, want);
 }
 
 } // namespace

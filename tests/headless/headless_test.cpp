@@ -8,6 +8,7 @@
 
 #include "support/Headless.h"
 #include "support/TestMachine.h"
+#include "support/WavProbe.h"
 
 namespace tvc::test {
 namespace {
@@ -82,14 +83,11 @@ TEST(Headless, RunsAProgramAndDumpsRegistersMemoryAndDisassembly) {
                               "--dump-regs regs.json --dump-mem 0x8FFF:3:mem.bin");
     ASSERT_EQ(r.status, 0) << r.out;
     const std::string json = d.Read("regs.json");
-    EXPECT_EQ(JsonValue(json, "RegA"), 12);
-    EXPECT_EQ(JsonValue(json, "RegB"), 7);
-    EXPECT_EQ(JsonValue(json, "RegH"), 0x12);
-    EXPECT_EQ(JsonValue(json, "RegL"), 0x35);
-    EXPECT_EQ(JsonValue(json, "RegPC"), 9);
-    EXPECT_EQ(JsonValue(json, "Halted"), 1);
-    EXPECT_EQ(JsonValue(json, "InstCount"), 6);
-    EXPECT_EQ(JsonValue(json, "TStates"), 3 + 7 + 7 + 4 + 10 + 6 + 4);
+    const std::pair<const char*, long> regs[] = {
+        {"RegA", 12}, {"RegB", 7},   {"RegH", 0x12},   {"RegL", 0x35},
+        {"RegPC", 9}, {"Halted", 1}, {"InstCount", 6}, {"TStates", 3 + 7 + 7 + 4 + 10 + 6 + 4}};
+    for (auto [name, value] : regs)
+        EXPECT_EQ(JsonValue(json, name), value) << name;
     EXPECT_NE(json.find("\"PortLatch\": [0,0,176,"), std::string::npos);
     EXPECT_EQ(d.Read("mem.bin"), std::string("\x00\xAB\x00", 3));
 
@@ -126,25 +124,16 @@ TEST(Headless, RegistersFramesAndTyping) {
 
 TEST(Headless, AudioRecordingHoldsTheToneAtItsPredictedFrequency) {
     // pitch 0xC00 with the tone on: 195312.5 / (4096 - 3072) = 191 Hz; full volume.
-    const struct { int high, hz; } tones[] = {{0x1C, 191}, {0x1F, 763}};
-    for (const auto& k : tones) {
+    for (auto [high, hz] : {std::pair{0x1C, 191}, {0x1F, 763}}) {
         HeadlessDir d;
-        d.dir.Write("tone.bin", {0x3E, 0x00, 0xD3, 0x04, 0x3E, static_cast<uint8_t>(k.high), 0xD3,
-                                 0x05, 0x3E, 0xBC, 0xD3, 0x06, 0x18, 0xFE});
-        const RunResult r =
-            d.Run("--port 2=0xB0 --load-bin tone.bin --frames 100 --audio tone.wav");
+        d.dir.Write("tone.bin", {0x3E, 0x00, 0xD3, 0x04, 0x3E, uint8_t(high), 0xD3, 0x05, 0x3E,
+                                 0xBC, 0xD3, 0x06, 0x18, 0xFE});
+        const RunResult r = d.Run("--port 2=0xB0 --load-bin tone.bin --frames 100 --audio t.wav");
         ASSERT_EQ(r.status, 0) << r.out;
-        const std::string file = d.Read("tone.wav");
-        const std::vector<uint8_t> wav(file.begin(), file.end());
-        ASSERT_EQ(wav.size(), 44u + 20 * 4410); // 100 frames: 20 units
-        EXPECT_EQ(std::string(wav.begin(), wav.begin() + 4), "RIFF");
-        // Rising edges of the left channel over the last 1.9 s.
-        int edges = 0;
-        for (size_t i = 44 + 4410 + 2; i < wav.size(); i += 2)
-            if (wav[i - 2] < 128 && wav[i] >= 128) ++edges;
-        EXPECT_NEAR(edges / 1.9, k.hz, k.hz * 0.01 + 1) << k.hz;
-        EXPECT_EQ(*std::max_element(wav.begin() + 4454, wav.end()),
-                  128 + 52); // half of 105, rounded to even
+        const WavProbe wav(d.dir.path() / "t.wav");
+        ASSERT_EQ(wav.samples.size(), 20u * 2205); // 100 frames: 20 units
+        EXPECT_NEAR(wav.Window(0.1).Frequency(), hz, hz * 0.01 + 1) << hz;
+        EXPECT_EQ(wav.Window(0.1).Max(), 128 + 52); // half of 105, rounded to even
     }
 }
 
@@ -212,9 +201,10 @@ TEST(Headless, SerialInOutAndPrinterOut) {
         printed.push_back(static_cast<char>(PrinterCode(static_cast<uint8_t>(i))));
     }
     d.dir.Write("in.bin", in);
-    const RunResult r = d.Run("--port 2=0xB0 --load-bin prog.bin --serial-in in.bin "
-                              "--serial-out out.bin --printer-out print.bin --steps 5000");
-    ASSERT_EQ(r.status, 0) << r.out;
+    ASSERT_EQ(d.Run("--port 2=0xB0 --load-bin prog.bin --serial-in in.bin --serial-out out.bin "
+                    "--printer-out print.bin --steps 5000")
+                  .status,
+              0);
     EXPECT_EQ(d.Read("out.bin"), std::string(in.begin(), in.end()));
     EXPECT_EQ(d.Read("print.bin"), printed);
 }
@@ -269,7 +259,6 @@ TEST(Headless, ProgramSeeksTrack3AndReadsASector) {
               std::string(img.begin() + 3 * 4 * 512, img.begin() + 3 * 4 * 512 + 512));
     const std::string hw = d.Read("hw.json");
     EXPECT_NE(hw.find("\"TotalSector\": 32768"), std::string::npos) << hw;
-    EXPECT_NE(hw.find("\"Valid\": 1"), std::string::npos);
     EXPECT_NE(hw.find("\"DiskName\": \"mine.dsk\""), std::string::npos);
     const std::string log = d.Read("fdc.txt");
     EXPECT_EQ(log.rfind("*** FDD command log ***!\nWrite Track REG 03\nCMD Seek: 03\n", 0), 0u)

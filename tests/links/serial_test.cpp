@@ -1,11 +1,13 @@
 // The serial card's ports and its pump over the shared record, with the test
-// playing the bridge's side of the record.
+// playing the bridge's side of the record; the printer's code table and the
+// bound on the text it holds (the strobe is in the port tests).
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
 #include <sys/file.h>
 #include <unistd.h>
 
+#include "core/MonitorText.h"
 #include "hw/Ports.h"
 #include "support/TestMachine.h"
 
@@ -30,13 +32,14 @@ TEST(SerialPorts, DataAndStatusRows) {
         EXPECT_EQ(std::string(tm.m().serial.SerialRx.begin(), tm.m().serial.SerialRx.end()),
                   r.left);
     }
-    EXPECT_EQ(135, 133 | 2); // "something received" is bit 1 on top of the idle status
-    TestMachine tm;
-    for (int v : {0x41, 0x00, 0xFF}) {
+    TestMachine tm; // sent bytes queue up to the bound, the rest counted as dropped
+    tm.m().serial.SerialTx.assign(kSerialHold - 2, 'x');
+    for (int v : {0x00, 0xFF, 0x41}) {
         int32_t value = v;
         PortOut(tm.m(), 0x20, value);
     }
-    EXPECT_EQ(tm.m().serial.SerialTx, std::string("\x41\x00\xFF", 3));
+    EXPECT_EQ(tm.m().serial.SerialTx.substr(kSerialHold - 2), std::string("\x00\xFF", 2));
+    EXPECT_EQ(tm.m().serial.txDropped, 1u);
 }
 
 // The record under a tag of this test, and the bridge's side of it: the
@@ -101,10 +104,7 @@ TEST_F(Pump, HandsOverAtMost255BytesWhenTheTransmitCountIsClear) {
         ASSERT_EQ(tm->host.messages.size(), r.messages) << r.length;
         if (r.messages) { EXPECT_EQ(tm->host.messages[0].text, "Buffer underrun TX!"); }
     }
-}
-
-TEST_F(Pump, UnderrunMessageAtMostOnceASecond) {
-    for (int i = 0; i < 20; ++i) {
+    for (int i = 0; i < 20; ++i) { // the message at most once a second
         m().serial.SerialTx.assign(1000, 'x');
         Count(kSerialTxCount, 0);
         SerialPump(m());
@@ -155,20 +155,21 @@ TEST_F(Pump, WithoutABridgeTheLineDropsWhatIsSent) {
     EXPECT_TRUE(m().serial.standInNoted);
 }
 
-TEST_F(Pump, ClosingRemovesTheMap) {
-    SerialClose(m());
-    MMapper again;
-    EXPECT_FALSE(again.OpenMap(kSerialMapName, kSerialRecordSize));
-    SerialPump(m()); // a closed link is quiet
+TEST(Printer, CodeTableOverAllBytes) {
+    for (int b = 0; b < 256; ++b) {
+        const int want = b < 127 ? b : b >= 160 ? '.' : MonitorFontCode(b);
+        EXPECT_EQ(PrinterCode(static_cast<uint8_t>(b)), want) << b;
+    }
 }
 
-TEST(SerialPorts, SerialTxStaysBounded) {
+TEST(Printer, HoldsAtMost16MiBDroppingTheOldest) {
     TestMachine tm;
-    tm.m().serial.SerialTx.assign(kSerialHold, 'x');
-    int32_t v = 'y';
-    PortOut(tm.m(), 0x20, v);
-    EXPECT_EQ(tm.m().serial.SerialTx.size(), kSerialHold);
-    EXPECT_EQ(tm.m().serial.txDropped, 1u);
+    Machine& m = tm.m();
+    m.printer.Text1.assign(kPrinterHold, 'a');
+    Senddata(m, 'z');
+    EXPECT_LE(m.printer.Text1.size(), kPrinterHold);
+    EXPECT_EQ(m.printer.Text1.size() + m.printer.Dropped, kPrinterHold + 1);
+    EXPECT_EQ(m.printer.Text1.back(), 'z');
 }
 
 } // namespace

@@ -262,17 +262,11 @@ TEST(DiskBootRecord, FieldsAndQuirks) {
         std::string creator(7, '\0');
         creator[2] = char(img[1]);
         EXPECT_EQ(b.Creator, creator);
-        EXPECT_EQ(b.SectorSize, w(11));
-        EXPECT_EQ(b.SecPerCluster, img[13]);
-        EXPECT_EQ(b.Reserved, w(14));
-        EXPECT_EQ(b.Fats, img[16]);
-        EXPECT_EQ(b.RootEntries, img[17] | img[28] << 8);
-        EXPECT_EQ(b.TotalSector, k.totalSector);
-        EXPECT_EQ(b.Media, img[21]);
-        EXPECT_EQ(b.SecPerFat, w(22));
-        EXPECT_EQ(b.SecPerTrack, w(24));
-        EXPECT_EQ(b.Heads, w(26));
-        EXPECT_EQ(b.LastField, img[36]);
+        EXPECT_EQ(std::vector<int64_t>({b.SectorSize, b.SecPerCluster, b.Reserved, b.Fats,
+                                        b.RootEntries, b.TotalSector, b.Media, b.SecPerFat,
+                                        b.SecPerTrack, b.Heads, b.LastField}),
+                  std::vector<int64_t>({w(11), img[13], w(14), img[16], img[17] | img[28] << 8,
+                                        k.totalSector, img[21], w(22), w(24), w(26), img[36]}));
     }
 }
 

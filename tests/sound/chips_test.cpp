@@ -1,15 +1,20 @@
-// The sound card's chips from outside: random port traffic, recordings of
-// programs that play each chip, and the panel controls set from the command
-// line.
+// The sound card's chips from outside: random port traffic, the panel
+// controls by name and from the command line, recordings, the "Manual"
+// ticks' writes, note keys, the pictures' points and the editors' boxes.
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <map>
 #include <random>
 #include <sstream>
 
+#include "asm/TextLib.h"
 #include "core/ControlItems.h"
 #include "core/Numbers.h"
+#include "core/RunLoop.h"
 #include "hw/Ports.h"
+#include "sound/ChipPanels.h"
+#include "sound/Ym3812.h"
 #include "support/Headless.h"
 #include "support/TestMachine.h"
 #include "support/WavProbe.h"
@@ -50,16 +55,6 @@ TEST(SoundChips, RandomPortTrafficStaysInBounds) {
             ASSERT_LE(std::abs(m.ym.Ym3812Out[k]), 126);
             ASSERT_LE(std::abs(m.ym2.Ym2413Out[k]), 135);
         }
-        for (int c = 0; c < 6; ++c)
-            ASSERT_TRUE(m.saa.SaaTonePhase[c] >= 0 && m.saa.SaaTonePhase[c] < 2);
-        for (float p : m.sn.SnPhase)
-            ASSERT_TRUE(Normal(p) && p >= 0 && p < 2);
-        for (float p : m.ay.AyPhase)
-            ASSERT_TRUE(Normal(p) && p >= 0 && p < 2);
-        ASSERT_TRUE(Normal(m.saa.SaaEnvPhase[0]) && Normal(m.saa.SaaEnvPhase[1]));
-        for (int c = 0; c < 9; ++c)
-            ASSERT_TRUE(std::isfinite(m.ym.YmModPhase[c]) && m.ym.YmCarPhase[c] >= 0 &&
-                        m.ym.YmCarPhase[c] < 1 && m.ym2.Ym2Phase[c] >= 0 && m.ym2.Ym2Phase[c] < 1);
         const Sid& s = m.sid;
         for (int v = 0; v < 3; ++v)
             ASSERT_TRUE(Normal(s.SidPhase[v]) && s.SidPhase[v] >= -2.5f && s.SidPhase[v] < 2 &&
@@ -94,7 +89,8 @@ TEST(SoundChips, ControlsByName) {
 }
 
 // A program of OUT (port),A pairs, then a loop on itself.
-std::vector<uint8_t> Program(std::initializer_list<std::pair<int, int>> outs) {
+using Outs = std::vector<std::pair<int, int>>;
+std::vector<uint8_t> Program(const Outs& outs) {
     std::vector<uint8_t> code;
     for (auto [port, value] : outs)
         code.insert(code.end(), {0x3E, uint8_t(value), 0xD3, uint8_t(port)});
@@ -102,119 +98,74 @@ std::vector<uint8_t> Program(std::initializer_list<std::pair<int, int>> outs) {
     return code;
 }
 
-WavProbe Record(const std::vector<uint8_t>& program, const std::string& extra = "") {
-    HeadlessDir d;
-    d.dir.Write("chip.bin", program);
-    const RunResult r =
-        d.Run(extra + " --port 2=0xB0 --load-bin chip.bin --frames 100 --audio chip.wav");
-    EXPECT_EQ(r.status, 0) << r.out;
-    return WavProbe(d.dir.path() / "chip.wav").Window(0.1); // past the first unit
+// Register writes through an address port and a data port.
+Outs Regs(int address, int data, std::initializer_list<std::pair<int, int>> regs) {
+    Outs outs;
+    for (auto [r, v] : regs)
+        outs.insert(outs.end(), {{address, r}, {data, v}});
+    return outs;
 }
 
+// Programs and panel settings recorded by the headless runner past the first
+// unit: the pitch and the extremes the chip's rule and its weight give. (Each
+// chip's own rule is checked on its render; these are the paths around it.)
 TEST(SoundChips, RecordingsHoldThePredictedToneAndLevels) {
-    // AY: period 254 gives 111861 / 254 = 440 Hz at AyVolume[15] x 16 = 16.
-    // clang-format off
-    const WavProbe ay = Record(Program({{0x3A, 0}, {0x3B, 254}, {0x3A, 1}, {0x3B, 0}, {0x3A, 7},
-                                        {0x3B, 0x3E}, {0x3A, 8}, {0x3B, 15}}));
-    // clang-format on
-    EXPECT_NEAR(ay.Frequency(), 111861.0 / 254, 2);
-    EXPECT_EQ(ay.Min(), 128 - 16);
-    EXPECT_EQ(ay.Max(), 128 + 16);
-    EXPECT_NEAR(ay.Duty(129), 0.5, 0.02);
-
-    // SN: divider 254 gives Int(3579545 / 254 / 32) = 440 Hz; weight 0.1 of 300.
-    const std::vector<uint8_t> sn =
-        Program({{0x30, 0x80 | (254 & 15)}, {0x30, 254 >> 4}, {0x30, 0x90}});
-    const WavProbe snWav = Record(sn);
-    EXPECT_NEAR(snWav.Frequency(), 3579545 / 254 / 32, 2);
-    const auto levels = snWav.Levels();
-    ASSERT_EQ(levels.size(), 2u);
-    EXPECT_EQ(levels.begin()->first, 128 - 30);
-    EXPECT_EQ(levels.rbegin()->first, 128 + 30);
-    EXPECT_EQ(Record(sn, "--control FSN76489.Check3=1").Max(), 128); // "Manual"
-
-    // SAA: channel 0 at octave 4, byte 0, both sides 15: a square of
-    // 0 and round(round(255 / 31 x 15) / 8) over 128.
-    const int saaHz = int(RoundHalfEven(15625.0 * 16 / 511)), high = int(RoundHalfEven(123 / 8.0));
-    // clang-format off
-    const std::vector<uint8_t> saa = Program({{0xFF, 0}, {0xFE, 0xFF}, {0xFF, 8}, {0xFE, 0}, {0xFF, 16},
-                                              {0xFE, 4}, {0xFF, 20}, {0xFE, 1}, {0xFF, 28}, {0xFE, 1}});
-    const WavProbe saaWav = Record(saa);
-    EXPECT_NEAR(saaWav.Frequency(129), saaHz * 11025.0 / 11000, 2);
-    EXPECT_EQ(saaWav.Max(), 128 + high);
-    EXPECT_EQ(saaWav.Min(), 128);
-    EXPECT_EQ(Record(saa, "--control Fsaa.Check2=1").Max(), 128); // "Manual"
-
+    // SAA: octave 4, byte 0, both sides 15 is a square of 0 and
+    // round(round(255 / 31 x 15) / 8) over 128, its phase at 11,000 a second.
+    const double saaHz = RoundHalfEven(15625.0 * 16 / 511) * 11025.0 / 11000;
+    const int saaHigh = 128 + int(RoundHalfEven(123 / 8.0));
     // Channel 2 with its tone bit clear sounds only while "patch" is set.
-    const std::vector<uint8_t> patch = Program({{0x33, 2}, {0x32, 0xFF}, {0x33, 10}, {0x32, 0},
-                                                {0x33, 17}, {0x32, 4}, {0x33, 28}, {0x32, 1}});
-    // clang-format on
-    EXPECT_EQ(Record(patch).Max(), 128 + high);
-    EXPECT_EQ(Record(patch, "--control Fsaa.Check11=0").Max(), 128);
-}
-
-TEST(SoundChips, RecordingsOfTheFmChipsAndTheSid) {
-    // YM3812: F-number 584 in block 4 is 584 x 16 / 21.23 = 440 Hz; carrier
-    // level 1 x 20, weighed by 0.5.
-    const std::vector<std::pair<int, int>> ymWrites = {{0x20, 1}, {0x23, 1},    {0x40, 0x3F},
-                                                       {0x43, 0}, {0xA0, 0x48}, {0xB0, 0x32}};
-    std::vector<uint8_t> ym;
-    for (auto [r, v] : ymWrites) {
-        const std::vector<uint8_t> pair = Program({{0x34, r}, {0x35, v}});
-        ym.insert(ym.end(), pair.begin(), pair.end() - 2);
-    }
-    ym.insert(ym.end(), {0x18, 0xFE});
-    {
-        ScratchDir dir;
-        WriteRomSet(dir);
-        dir.Write("chip.bin", ym);
-        const RunResult r = RunHeadless("--dir " + dir.path().string() +
-                                        " --port 2=0xB0 --load-bin chip.bin --frames 100 "
-                                        "--audio chip.wav --ym-direct log.txt");
+    const Outs patch = Regs(0x33, 0x32, {{2, 0xFF}, {10, 0}, {17, 4}, {28, 1}});
+    const struct {
+        Outs outs;
+        std::string extra;
+        double hz;
+        int threshold, low, high, slack;
+    } rows[] = {
+        {patch, "", saaHz, 129, 128, saaHigh, 0},
+        {patch, "--control Fsaa.Check11=0", 0, 129, 128, 128, 0},
+        // The panel's "Manual" from the command line: octave 3, byte 33.
+        {{},
+         "--control Fsaa.Check2=1 --control 'Fsaa.Check1(0)=1' --control 'Fsaa.HScroll1(0)=15' "
+         "--control 'Fsaa.HScroll3(0)=3' --control 'Fsaa.HScroll4(0)=33'",
+         RoundHalfEven(std::floor(15625.0 * 8 / (511 - 33) * 8192) / 8192) * 11025.0 / 11000,
+         129,
+         128,
+         saaHigh,
+         0},
+        // YM3812: F-number 584 in block 4 is 584 x 16 / 21.23 Hz; 20 weighed by 0.5.
+        {Regs(0x34, 0x35,
+              {{0x20, 1}, {0x23, 1}, {0x40, 0x3F}, {0x43, 0}, {0xA0, 0x48}, {0xB0, 0x32}}),
+         "--ym-direct log.txt", 584 * 16 / 21.23, 128, 118, 138, 1},
+    };
+    for (const auto& k : rows) {
+        HeadlessDir d;
+        d.dir.Write("chip.bin", Program(k.outs));
+        const RunResult r =
+            d.Run(k.extra + " --port 2=0xB0 --load-bin chip.bin --frames 100 --audio chip.wav");
         ASSERT_EQ(r.status, 0) << r.out;
-        const WavProbe wav = WavProbe(dir.path() / "chip.wav").Window(0.1);
-        EXPECT_NEAR(wav.Frequency(), 584 * 16 / 21.23, 3);
-        EXPECT_NEAR(wav.Max(), 138, 1);
-        EXPECT_NEAR(wav.Min(), 118, 1);
-        std::istringstream log(Slurp(dir.path() / "log.txt"));
+        const WavProbe wav = WavProbe(d.dir.path() / "chip.wav").Window(0.1);
+        SCOPED_TRACE(k.extra + (k.outs.empty() ? "" : std::to_string(k.outs[0].first)));
+        EXPECT_NEAR(wav.Frequency(k.threshold), k.hz, 3);
+        EXPECT_NEAR(wav.Min(), k.low, k.slack);
+        EXPECT_NEAR(wav.Max(), k.high, k.slack);
+        if (k.extra.find("ym-direct") == std::string::npos) continue;
+        // The direct output logs every write with its frame time.
+        std::istringstream log(d.Read("log.txt"));
         long frame = 0, t = 0, port = 0, value = 0, lines = 0;
         for (; log >> frame >> t >> port >> value; ++lines) {
-            ASSERT_LT(lines, 12);
-            const auto [reg, data] = ymWrites[size_t(lines / 2)];
+            ASSERT_LT(size_t(lines), k.outs.size());
             EXPECT_EQ(port, 896 + lines % 2);
-            EXPECT_EQ(value, lines % 2 ? data : reg);
+            EXPECT_EQ(value, k.outs[size_t(lines)].second);
             EXPECT_TRUE(t >= 0 && t < 62500);
         }
-        EXPECT_EQ(lines, 12);
+        EXPECT_EQ(size_t(lines), k.outs.size());
     }
-
-    // YM2413: F-number 289 in block 4 sounds at twice 289 x 16 / 21.276595;
-    // three levels, +-15 weighed by 0.5 and rounded half to even.
-    const WavProbe ym2 = Record(Program(
-        {{0x3C, 0x10}, {0x3D, 289 & 255}, {0x3C, 0x20}, {0x3D, 0x19}, {0x3C, 0x30}, {0x3D, 15}}));
-    EXPECT_NEAR(ym2.Frequency(129), 2 * 289 * 16 / 21.276595, 3);
-    const auto levels = ym2.Levels();
-    EXPECT_EQ(levels.size(), 3u);
-    EXPECT_EQ(ym2.Max(), 136);
-    EXPECT_EQ(ym2.Min(), 120);
-
-    // SID: register 7,621 is Freq 880, a pulse of 440 Hz at width 2,048, +-240 by 0.1.
-    const WavProbe sid = Record(Program({{0xE0, 7621 & 255},
-                                         {0xE1, 7621 >> 8},
-                                         {0xE3, 8},
-                                         {0xE6, 0xF0},
-                                         {0xF8, 15},
-                                         {0xE4, 0x41}}));
-    EXPECT_NEAR(sid.Frequency(), 440, 3);
-    EXPECT_EQ(sid.Max(), 152);
-    EXPECT_EQ(sid.Min(), 104);
-    EXPECT_NEAR(sid.Duty(), 0.5, 0.02);
 }
 
 TEST(SoundChips, DmpPlaysFromTheCommandLine) {
-    ScratchDir dir;
-    WriteRomSet(dir);
-    dir.Write("chip.bin", Program({}));
+    HeadlessDir d;
+    d.dir.Write("chip.bin", Program({}));
     std::vector<uint8_t> dump;
     for (int frame = 0; frame < 100; ++frame) {
         const int reg = frame < 50 ? 7621 : 11431; // 440 Hz, then 660 Hz
@@ -223,16 +174,206 @@ TEST(SoundChips, DmpPlaysFromTheCommandLine) {
         dump.resize(dump.size() + 17);
         dump.push_back(15);
     }
-    dir.Write("tune.dmp", dump);
-    const RunResult r =
-        RunHeadless("--dir " + dir.path().string() +
-                    " --port 2=0xB0 --load-bin chip.bin --frames 100 --audio chip.wav "
-                    "--sid-file tune.dmp");
+    d.dir.Write("tune.dmp", dump);
+    const RunResult r = d.Run(
+        "--port 2=0xB0 --load-bin chip.bin --frames 100 --audio chip.wav --sid-file tune.dmp");
     ASSERT_EQ(r.status, 0) << r.out;
-    const WavProbe wav(dir.path() / "chip.wav");
+    const WavProbe wav(d.dir.path() / "chip.wav");
     EXPECT_NEAR(wav.Window(0.1, 0.8).Frequency(), 440, 3);
     EXPECT_NEAR(wav.Window(1.1, 0.8).Frequency(), 660, 3);
-    EXPECT_NE(RunHeadless("--dir " + dir.path().string() + " --sid-file none.dmp").status, 0);
+    EXPECT_NE(d.Run("--sid-file none.dmp").status, 0);
+}
+
+// The whole chip from the panel: each bar and box lands in its register's
+// field, only with "Manual", and the program's own writes are lost meanwhile.
+TEST(ChipPanels, SaaManualTickSetsTheWholeChip) {
+    FsaaControls b;
+    for (int n = 0; n < 6; ++n) {
+        b.HScroll4[n] = 40 * n + 15, b.HScroll3[n] = 7 - n;
+        b.HScroll1[n] = n + 9, b.HScroll2[n] = 15 - 2 * n;
+        b.Check1[n] = n % 2, b.Check3[n] = n < 2;
+    }
+    b.HScroll5[0] = 3, b.HScroll5[1] = 2, b.HScroll6[0] = 5, b.HScroll6[1] = 7;
+    b.Check7[1] = b.Check4[0] = b.Check5[1] = b.Check6[0] = true;
+    b.Check8 = false, b.Check9 = true;
+    TestMachine t;
+    Machine& m = t.m();
+    m.forms.Fsaa = b;
+    m.forms.Fsaa.Check2 = false;
+    ChipPanelsTick(m);
+    EXPECT_EQ(m.saa.SaaFreq[5], 0);
+    m.forms.Fsaa.Check2 = true;
+    ChipPanelsTick(m);
+    int32_t v = 8;
+    PortOut(m, 0xFF, v);
+    PortOut(m, 0xFE, v = 0x55);
+    const Saa1099& s = m.saa;
+    for (int n = 0; n < 6; ++n)
+        EXPECT_EQ(std::vector<int>({s.SaaFreq[n], s.SaaOctave[n], s.SaaAmp[n], s.SaaAmp[n + 6],
+                                    s.SaaToneEnable[n], s.SaaNoiseEnable[n]}),
+                  std::vector<int>({b.HScroll4[n], b.HScroll3[n], b.HScroll1[n], b.HScroll2[n],
+                                    b.Check1[n], b.Check3[n]}))
+            << n;
+    for (int e = 0; e < 2; ++e) {
+        const SaaEnvelope& k = s.SaaEnv[e];
+        EXPECT_EQ(std::vector<int>({s.SaaNoiseRate[e], k.Shape, k.Enable, k.InvertRight, k.Fine,
+                                    k.ExternalClock}),
+                  std::vector<int>({b.HScroll5[e], b.HScroll6[e], b.Check7[e], b.Check4[e],
+                                    b.Check5[e], b.Check6[e]}))
+            << e;
+    }
+    EXPECT_EQ(s.SaaAllEnable * 2 + s.SaaSync, 1);
+
+    // Values from outside the bars' ranges are held to them.
+    FsaaControls wild;
+    wild.HScroll4[0] = 300, wild.HScroll3[0] = -4, wild.HScroll1[0] = 99, wild.HScroll5[1] = 9;
+    std::map<int, int> got;
+    const auto w = SaaManualWrites(wild);
+    for (size_t i = 0; i < w.size(); i += 2)
+        got[w[i].value] = w[i + 1].value;
+    EXPECT_EQ(got[8], 255);
+    EXPECT_EQ(got[16], 0);
+    EXPECT_EQ(got[0], 15);
+    EXPECT_EQ(got[22], 0x30);
+}
+
+// Key k plays the k-th semitone above middle C: its octave and byte land
+// within 0.1 % of 261.63 x 2^(k / 12) Hz, nearer than any neighbouring byte.
+TEST(ChipPanels, NoteKeysTuneChannelZero) {
+    FsaaControls c;
+    for (int k = 0; k < 13; ++k) {
+        SaaNoteKey(c, k);
+        const double hz = 15625.0 * std::pow(2, c.HScroll3[0]) / (511 - c.HScroll4[0]);
+        EXPECT_NEAR(hz / (261.6256 * std::pow(2, k / 12.0)), 1, 0.001) << k;
+    }
+    SaaNoteKey(c, 13); // no such key
+    SaaNoteKey(c, -1);
+    EXPECT_EQ(c.HScroll4[0], 33);
+    EXPECT_EQ(c.HScroll3[1], 0);
+}
+
+TEST(ChipPanels, SnManualBytesKeepTheReversedSplit) {
+    const struct {
+        int freq[4], volume[4];
+        bool periodic;
+    } rows[] = {{{666, 666, 666, 0}, {0, 0, 0, 0}, false},
+                {{1, 1023, 512, 3}, {15, 1, 7, 15}, true},
+                {{1000, 24, 960, 2}, {3, 4, 5, 6}, false}};
+    for (const auto& r : rows) {
+        FSN76489Controls c;
+        std::copy(std::begin(r.freq), std::end(r.freq), c.HScroll3);
+        std::copy(std::begin(r.volume), std::end(r.volume), c.HScroll4);
+        c.Check2 = r.periodic;
+        std::vector<uint8_t> want;
+        for (int n = 0; n < 3; ++n) {
+            const int N = 1024 - r.freq[n], high = (N >> 6) & 15;
+            want.push_back(uint8_t(high + 0x80 + 0x20 * n));
+            want.push_back(uint8_t(N - high * 64));
+        }
+        for (int n = 0; n < 4; ++n)
+            want.push_back(uint8_t(0x9F + 0x20 * n - r.volume[n]));
+        want.push_back(uint8_t((r.periodic ? 0xE4 : 0xE0) + r.freq[3]));
+        EXPECT_EQ(SnManualBytes(c), want) << r.freq[0];
+        for (int n = 0; n < 3; ++n)
+            EXPECT_EQ(SnFreqLabel(r.freq[n]), int(std::floor(3579545.0 / (1024 - r.freq[n]) / 32)));
+
+        TestMachine t; // the tick sends them through the chip's own path
+        Machine& m = t.m();
+        m.forms.FSN76489 = c;
+        m.forms.FSN76489.Check3 = true;
+        ChipPanelsTick(m);
+        EXPECT_EQ(m.sn.SnChannel[2].Attenuation, 15 - r.volume[2]);
+        EXPECT_EQ(m.sn.SnNoise.NoiseType, r.periodic ? 4 : 0);
+    }
+    FSN76489Controls wild; // held to the bars' ranges
+    wild.HScroll3[0] = 0, wild.HScroll3[3] = 7, wild.HScroll4[1] = 40;
+    const auto b = SnManualBytes(wild);
+    EXPECT_EQ(b[0], 0x80 + 15);
+    EXPECT_EQ(b[1], 63);
+    EXPECT_EQ(b[7], 0xBF - 15);
+    EXPECT_EQ(b[10], 0xE3);
+}
+
+TEST(ChipPanels, PicturesScaleTheLastBlock) {
+    TestMachine t;
+    Machine& m = t.m();
+    for (int x = 0; x < 441; ++x) {
+        m.saa.RightMatrix[4][x] = uint8_t(x % 256);
+        m.sn.SnMatrix[x][2] = int16_t(x - 220);
+        m.ay.AyColumns[1][x] = float(x % 33 - 16);
+        m.ay.AyColumns[4][x] = float(x % 2);
+        m.ym2.Ym2Matrix[7][x] = int16_t(135 - x);
+        m.sid.SidColumns[2][x] = float(x % 5) / 2 - 1;
+    }
+    const Trace saa = ScopeTrace(m, Scope::Saa, 4), sn = ScopeTrace(m, Scope::Sn, 2),
+                ay = ScopeTrace(m, Scope::Ay, 1), env = ScopeTrace(m, Scope::Ay, 4),
+                ym2 = ScopeTrace(m, Scope::Ym2413, 7), sid = ScopeTrace(m, Scope::Sid, 2);
+    for (int x = 0; x < kTracePoints; ++x) {
+        EXPECT_EQ(saa[x], RoundHalfEven(x / 10.0) + 32) << x;
+        EXPECT_EQ(sn[x], std::trunc((x - 220) / 20.0) + 32) << x;
+        EXPECT_EQ(ay[x], (x % 33 - 16) * 2 + 32) << x;
+        EXPECT_EQ(env[x], x % 2 * 30 + 32) << x;
+        EXPECT_EQ(ym2[x], std::trunc((135 - x) / 8.0) + 32) << x;
+        EXPECT_EQ(sid[x], RoundHalfEven((x % 5 / 2.0 - 1) * 30) + 32) << x;
+    }
+}
+
+// The YM3812 editor's registers as the panel packs its sliders.
+TEST(ChipPanels, YmEditorPacksTheInstrument) {
+    FYM3812Controls c;
+    int* s = c.HScroll1;
+    const int mod[8] = {5, 40, 2, 12, 3, 9, 6, 1}, car[8] = {15, 0, 3, 1, 15, 0, 2, 3};
+    std::copy(mod, mod + 8, s);
+    std::copy(car, car + 8, s + 8);
+    s[16] = 6;
+    const bool flags[8] = {true, false, true, false, false, true, false, true};
+    std::copy(flags, flags + 8, c.Check2);
+    auto pack = [&](const int* op, const bool* f) {
+        return std::array<uint8_t, 5>{uint8_t((f[0] * 8 + f[1] * 4 + f[2] * 2 + f[3]) * 16 + op[0]),
+                                      uint8_t(op[2] * 32 + 63 - op[1]), uint8_t(op[3] * 16 + op[4]),
+                                      uint8_t(op[5] * 16 + op[6]), uint8_t(op[7])};
+    };
+    const auto m = pack(mod, flags), k = pack(car, flags + 4);
+    const std::vector<RegWrite> want = {{0x01, 32},   {0xBD, 0xC0}, {0x20, m[0]}, {0x23, k[0]},
+                                        {0x40, m[1]}, {0x43, k[1]}, {0xC0, 12},   {0x60, m[2]},
+                                        {0x80, m[3]}, {0x63, k[2]}, {0x83, k[3]}, {0xE0, m[4]},
+                                        {0xE3, k[4]}};
+    EXPECT_EQ(YmInstrumentWrites(c), want);
+    const int mirrored[8] = {m[0], k[0], m[1], k[1], m[2], m[3], k[2], k[3]};
+    for (int i = 0; i < 8; ++i)
+        EXPECT_EQ(YmTextValue(c, i), mirrored[i]) << i;
+
+    // Enter in a mirror box sets its register's sliders so that the box reads
+    // back what was typed; a level the sliders cannot pack stops at 3 x 32 + 63.
+    for (int box = 0; box < 8; ++box)
+        for (int v = 0; v < 256; ++v) {
+            YmTextEnter(c, box, Hex2(v));
+            ASSERT_EQ(YmTextValue(c, box), box == 2 || box == 3 ? std::min(v, 159) : v) << box;
+        }
+    YmTextEnter(c, 0, "zz");
+    EXPECT_EQ(YmTextValue(c, 0), 0);
+    YmTextEnter(c, 1, "100");
+    EXPECT_EQ(YmTextValue(c, 1), 0xFF);
+}
+
+TEST(ChipPanels, SidBoxTakesHomeMachineAddresses) {
+    const struct {
+        const char *address, *value;
+        int reg, byte;
+    } rows[] = {{"54272", "17", 0, 17},     {"54296", "15", 24, 15}, {"54276", " 65x", 4, 65},
+                {"54000", "300", 0, 255},   {"99999", "-4", 255, 0}, {"abc", "", 0, 0},
+                {"54290 ", "0129", 18, 129}};
+    for (const auto& r : rows) {
+        FSIDControls c;
+        c.Text2 = r.address, c.Text3 = r.value;
+        const std::vector<PortWrite> want = {{0x38, uint8_t(r.reg)}, {0x39, uint8_t(r.byte)}};
+        EXPECT_EQ(SidBoxWrites(c), want) << r.address;
+    }
+    TestMachine t;
+    Machine& m = t.m();
+    m.forms.FSID.Text2 = "54273", m.forms.FSID.Text3 = "200";
+    SidWriteButton(m);
+    EXPECT_EQ(m.sid.SidRegs[1], 200);
 }
 
 } // namespace

@@ -1,7 +1,12 @@
-// The machine's tone generator, the level line, the mix and the wave image.
+// The machine's tone generator, the level line, the mix and the wave image;
+// delivery of the units to the player over real shared maps, the test
+// playing the player's side from inside the emulator's waits (the host's Sleep).
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <fstream>
+#include <functional>
+#include <unistd.h>
 
 #include "sound/SoundFX.h"
 #include "support/TestMachine.h"
@@ -15,81 +20,35 @@ void SetTone(Machine& m, int pitch, bool on, int volume) {
     m.bus.PortLatch[6] = static_cast<uint8_t>(volume << 2);
 }
 
-// Level changes of the tone over `blocks` blocks, and the peak seen.
-struct Wave {
-    int edges = 0, peak = 0, low = 0;
-};
-Wave Render(Machine& m, int blocks) {
-    Wave w;
-    int16_t prev = 0;
-    for (int b = 0; b < blocks; ++b) {
-        TvcToneBlock(m);
-        for (int16_t s : m.sound.TvcToneOut) {
-            if (b + prev != 0 && s != prev) ++w.edges;
-            w.peak = std::max<int>(w.peak, s);
-            w.low = std::min<int>(w.low, s);
-            prev = s;
-        }
-    }
-    return w;
-}
-
-TEST(ToneGenerator, SquareWaveAtTheDividedClock) {
-    const struct {
-        int pitch;
-        double hz;
-    } cases[] = {{0, 48}, {3072, 191}, {4000, 2035}, {4080, 11000}};
-    for (const auto& k : cases) {
-        TestMachine t;
-        SetTone(t.m(), k.pitch, true, 15);
-        const Wave w = Render(t.m(), 50); // one second
-        EXPECT_NEAR(w.edges / 2.0, k.hz, k.hz * 0.01 + 1) << k.pitch;
-        EXPECT_EQ(w.peak, 105);
-        EXPECT_EQ(w.low, -105);
-    }
-}
-
-TEST(ToneGenerator, PitchAbove4080IsTheLevelPath) {
-    TestMachine t;
-    SetTone(t.m(), 4081, true, 15);
-    t.m().sound.ToneSlots[100] = 16 + 9;
-    const Wave w = Render(t.m(), 1);
-    EXPECT_EQ(t.m().sound.TvcToneOut[99], 0);
-    EXPECT_EQ(t.m().sound.TvcToneOut[100], 45);
-    EXPECT_EQ(t.m().sound.TvcToneOut[440], 45);
-    EXPECT_EQ(w.low, 0);
-}
-
+// Level events from the slots: held between events and across blocks, at
+// five per step; the level path takes pitches above 4,080, and a tone's
+// block drops them.
 TEST(ToneGenerator, LevelLineHoldsBetweenEventsAndAcrossBlocks) {
     TestMachine t;
     SetTone(t.m(), 0, false, 0);
     auto& slots = t.m().sound.ToneSlots;
-    slots[10] = 16 + 15;
-    slots[20] = 16;
-    slots[30] = 16 + 3;
+    slots[10] = 16 + 15, slots[20] = 16, slots[30] = 16 + 3;
     TvcToneBlock(t.m());
     const int16_t* out = t.m().sound.TvcToneOut;
-    EXPECT_EQ(out[9], 0);
-    EXPECT_EQ(out[10], 75);
-    EXPECT_EQ(out[19], 75);
-    EXPECT_EQ(out[20], 0);
-    EXPECT_EQ(out[30], 15);
+    const std::pair<int, int> held[] = {{9, 0}, {10, 75}, {19, 75}, {20, 0}, {30, 15}, {440, 15}};
+    for (auto [at, level] : held)
+        EXPECT_EQ(out[at], level) << at;
     EXPECT_EQ(slots[30], 0); // consumed
     TvcToneBlock(t.m());
     EXPECT_EQ(out[0], 15); // LastDacLevel carries on
-    EXPECT_EQ(t.m().sound.Tone.LastDacLevel, 15);
-}
 
-TEST(ToneGenerator, LevelEventsInATonesBlockAreLost) {
-    TestMachine t;
-    t.m().sound.Tone.LastDacLevel = 35;
-    SetTone(t.m(), 3072, true, 4);
-    t.m().sound.ToneSlots[5] = 16 + 12;
+    SetTone(t.m(), 4081, true, 15);
+    slots[100] = 16 + 9;
     TvcToneBlock(t.m());
-    EXPECT_EQ(t.m().sound.ToneSlots[5], 0);
+    EXPECT_EQ(out[99] * 100 + out[100], 1545);
+
+    SetTone(t.m(), 3072, true, 4);
+    slots[5] = 16 + 12;
+    TvcToneBlock(t.m());
+    EXPECT_EQ(slots[5], 0);
     SetTone(t.m(), 3072, false, 4);
     TvcToneBlock(t.m());
-    EXPECT_EQ(t.m().sound.TvcToneOut[0], 35);
+    EXPECT_EQ(out[0], 45);
 }
 
 TEST(Mix, WeightsAndEightBitWrap) {
@@ -148,20 +107,131 @@ TEST(WaveImage, OneSecondOfSilenceWithItsHeader) {
         return w[at] | w[at + 1] << 8 | w[at + 2] << 16 | w[at + 3] << 24;
     };
     auto u16 = [&](size_t at) { return w[at] | w[at + 1] << 8; };
-    EXPECT_EQ(std::string(w.begin(), w.begin() + 4), "RIFF");
-    EXPECT_EQ(u32(4), 22086u);
-    EXPECT_EQ(std::string(w.begin() + 8, w.begin() + 16), "WAVEfmt ");
-    EXPECT_EQ(u32(16), 16u);
-    EXPECT_EQ(u16(20), 1);
-    EXPECT_EQ(u16(22), 1);
-    EXPECT_EQ(u32(24), 22050u);
-    EXPECT_EQ(u32(28), 22050u);
-    EXPECT_EQ(u16(32), 2); // block align is always written as 2
-    EXPECT_EQ(u16(34), 8);
-    EXPECT_EQ(std::string(w.begin() + 36, w.begin() + 40), "data");
-    EXPECT_EQ(u32(40), 22050u);
+    EXPECT_EQ(std::string(w.begin(), w.begin() + 4) + std::string(w.begin() + 8, w.begin() + 16) +
+                  std::string(w.begin() + 36, w.begin() + 40),
+              "RIFFWAVEfmt data");
+    // Mono 8-bit at 22,050 Hz; the block align is always written as 2.
+    const std::pair<size_t, uint32_t> le32[] = {
+        {4, 22086}, {16, 16}, {24, 22050}, {28, 22050}, {40, 22050}};
+    const std::pair<size_t, int> le16[] = {{20, 1}, {22, 1}, {32, 2}, {34, 8}};
+    for (auto [at, v] : le32)
+        EXPECT_EQ(u32(at), v) << at;
+    for (auto [at, v] : le16)
+        EXPECT_EQ(u16(at), v) << at;
     EXPECT_EQ(w[44], 128);
     EXPECT_EQ(w.back(), 128);
+}
+
+class PlayerHost : public RecordingHost {
+  public:
+    std::function<void(int)> onSleep;
+    int sleeps = 0;
+    void Sleep(int) override {
+        ++sleeps;
+        if (onSleep) onSleep(sleeps);
+    }
+};
+
+struct Link : ::testing::Test {
+    std::unique_ptr<ScratchDir> dir;
+    PlayerHost host;
+    std::unique_ptr<Machine> m;
+    AudioConsumer player;
+
+    void SetUp() override {
+        TagSharedMemory("dl");
+        dir = std::make_unique<ScratchDir>();
+        m = std::make_unique<Machine>(host);
+        ASSERT_TRUE(SoundMapsCreate(*m));
+        ASSERT_TRUE(player.Open());
+        for (size_t i = 0; i < sizeof m->sound.OutBuffer; ++i)
+            m->sound.OutBuffer[i] = static_cast<uint8_t>(i * 7);
+        m->sound.BlockIndex = 5;
+    }
+    void SetHandshake(uint8_t b) { m->sound.MMDemo2.WriteMap(&b, 1); }
+};
+
+TEST_F(Link, AskingPlayerGetsTheUnitAtOnce) {
+    player.Ask();
+    SoundFrame(*m);
+    EXPECT_EQ(host.sleeps, 0);
+    EXPECT_EQ(player.Handshake(), kHandshakeDelivered);
+    uint8_t unit[kAudioUnitBytes];
+    ASSERT_TRUE(player.Take(unit));
+    EXPECT_EQ(unit[1], 7);
+    EXPECT_EQ(unit[4409], static_cast<uint8_t>(4409 * 7));
+    EXPECT_EQ(m->sound.BlockIndex, 0);
+    EXPECT_EQ(m->forms.Fsaa.Label11, "5");
+}
+
+// The frame waits while the player has not asked or not taken the last
+// unit; it returns with blocks missing and gives up on a byte it does not know.
+TEST_F(Link, WaitsByHandshakeAndBlocks) {
+    const struct {
+        uint8_t before;
+        int blocks, actAt, sleeps;
+        uint8_t after;
+    } rows[] = {
+        {kHandshakeIdle, 5, 3, 3, kHandshakeDelivered},
+        {kHandshakeDelivered, 5, 5, 5, kHandshakeDelivered},
+        {kHandshakeIdle, 4, 1, 0, kHandshakeIdle},
+        {7, 5, 1, 0, 7},
+    };
+    for (const auto& r : rows) {
+        SetHandshake(r.before);
+        m->sound.BlockIndex = r.blocks;
+        host.sleeps = 0;
+        host.onSleep = [&](int n) {
+            if (n != r.actAt) return;
+            if (player.Handshake() == kHandshakeDelivered) ASSERT_TRUE(player.Take(nullptr));
+            player.Ask();
+        };
+        SoundFrame(*m);
+        EXPECT_EQ(host.sleeps, r.sleeps) << int(r.before);
+        EXPECT_EQ(player.Handshake(), r.after) << int(r.before);
+        EXPECT_EQ(m->sound.BlockIndex, r.after == kHandshakeDelivered ? 0 : r.blocks);
+    }
+}
+
+TEST_F(Link, MaxPaceNeitherWaitsNorDelivers) {
+    m->menu.xS6 = true;
+    int tapped = 0;
+    m->sound.DeliveryTap = [&](const uint8_t*, size_t bytes) { tapped += static_cast<int>(bytes); };
+    SoundFrame(*m);
+    EXPECT_EQ(host.sleeps, 0);
+    EXPECT_EQ(player.Handshake(), kHandshakeIdle);
+    EXPECT_EQ(tapped, kAudioUnitBytes);
+}
+
+TEST_F(Link, RecordButtonKeepsTheLatestUnitBehindTheTemplatesHeader) {
+    std::vector<uint8_t> techno(44 + 10000, 0x55);
+    dir->Write("techno.wav", techno);
+    SaaRecordButton(*m);
+    EXPECT_EQ(m->forms.Fsaa.Command1Color, 255);
+    for (int i = 0; i < 2; ++i) {
+        player.Ask();
+        m->sound.OutBuffer[0] = static_cast<uint8_t>(0xA0 + i);
+        m->sound.BlockIndex = 5;
+        SoundFrame(*m);
+        player.Take(nullptr);
+    }
+    SaaRecordButton(*m);
+    EXPECT_EQ(m->forms.Fsaa.Command1Color, 0xFFFFFF);
+    std::ifstream in(dir->path() / "record.wav", std::ios::binary);
+    std::vector<uint8_t> rec((std::istreambuf_iterator<char>(in)), {});
+    ASSERT_EQ(rec.size(), techno.size());
+    EXPECT_EQ(rec[43], 0x55);
+    EXPECT_EQ(rec[44], 0xA1);
+    EXPECT_EQ(rec[44 + 4410], 0x55);
+    EXPECT_TRUE(std::filesystem::exists(dir->path() / "saa.dat"));
+    EXPECT_EQ(std::filesystem::file_size(dir->path() / "saa.dat"), 0u);
+}
+
+TEST_F(Link, RecordButtonWithoutTemplateStaysIdle) {
+    SaaRecordButton(*m);
+    EXPECT_EQ(m->forms.Fsaa.Command1Color, 0xFFFFFF);
+    ASSERT_EQ(host.messages.size(), 1u);
+    EXPECT_EQ(host.messages[0].text, "File not found: techno.wav");
 }
 
 } // namespace

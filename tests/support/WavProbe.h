@@ -1,7 +1,7 @@
 // Measures what a recorded wave file holds: one channel of the 8-bit
 // recordings that tvc-headless --audio writes, read as unsigned samples,
-// and over any window of them the frequency (from rising edges), the duty,
-// the levels met and the peaks.
+// and over any window of them the frequency (from rising edges), the duty
+// and the levels met.
 #pragma once
 
 #include <algorithm>
@@ -70,17 +70,6 @@ class WavProbe {
     int Min() const {
         return samples.empty() ? 0 : *std::min_element(samples.begin(), samples.end());
     }
-    // The highest sample of each window of `length` seconds.
-    std::vector<int> Peaks(double length) const {
-        std::vector<int> peaks;
-        const size_t n = std::max<size_t>(1, size_t(length * kRate));
-        for (size_t a = 0; a < samples.size(); a += n)
-            peaks.push_back(
-                *std::max_element(samples.begin() + long(a),
-                                  samples.begin() + long(std::min(samples.size(), a + n))));
-        return peaks;
-    }
-
     std::vector<uint8_t> samples;
 
   private:

@@ -31,8 +31,7 @@ class KeyMapTest : public QObject {
     Q_OBJECT
   private slots:
     void everyMatrixKeyHasAPlaceAndEveryPlaceACode();
-    void keypadDigitsAndPointHaveNoPlace();
-    void symbolicFallback();
+    void symbolicFallbackAndTheKeypad();
     void releaseUndoesItsPress();
     void anySequenceEndsWithNothingHeld();
     void focusLossForgetsHeldKeys();
@@ -54,23 +53,10 @@ void KeyMapTest::everyMatrixKeyHasAPlaceAndEveryPlaceACode() {
     }
 }
 
-// Keypad digits and point, NumLock on (digit, point) or off (cursor keys),
-// with or without a scan code.
-void KeyMapTest::keypadDigitsAndPointHaveNoPlace() {
-    const int numLock[][2] = {
-        {Qt::Key_0, Qt::Key_Insert},   {Qt::Key_1, Qt::Key_End},        {Qt::Key_2, Qt::Key_Down},
-        {Qt::Key_3, Qt::Key_PageDown}, {Qt::Key_4, Qt::Key_Left},       {Qt::Key_5, Qt::Key_Clear},
-        {Qt::Key_6, Qt::Key_Right},    {Qt::Key_7, Qt::Key_Home},       {Qt::Key_8, Qt::Key_Up},
-        {Qt::Key_9, Qt::Key_PageUp},   {Qt::Key_Period, Qt::Key_Delete}};
-    for (int i = 0; i < 11; ++i)
-        for (int key : numLock[i])
-            for (unsigned place : {kKeypadPlaces[i], 0u})
-                QCOMPARE(VirtualKey(Key(QEvent::KeyPress, place, key, Qt::KeypadModifier)), 0);
-}
-
 // Without a known place the symbolic key decides; on the keypad only
-// * + - / and Enter have a code.
-void KeyMapTest::symbolicFallback() {
+// * + - / and Enter have a code: its digits and point, NumLock on or off
+// (cursor keys), have none, with or without their place.
+void KeyMapTest::symbolicFallbackAndTheKeypad() {
     const struct {
         int qtKey;
         bool keypad;
@@ -84,6 +70,13 @@ void KeyMapTest::symbolicFallback() {
             const auto mods = r.keypad ? Qt::KeypadModifier : Qt::NoModifier;
             QCOMPARE(VirtualKey(Key(QEvent::KeyPress, place, r.qtKey, mods)), r.vk);
         }
+    const int numLockOff[] = {Qt::Key_Insert, Qt::Key_End,    Qt::Key_Down,  Qt::Key_PageDown,
+                              Qt::Key_Left,   Qt::Key_Clear,  Qt::Key_Right, Qt::Key_Home,
+                              Qt::Key_Up,     Qt::Key_PageUp, Qt::Key_Delete};
+    for (int i = 0; i < 11; ++i)
+        for (int key : {i < 10 ? Qt::Key_0 + i : Qt::Key_Period, numLockOff[i]})
+            for (unsigned place : {kKeypadPlaces[i], 0u})
+                QCOMPARE(VirtualKey(Key(QEvent::KeyPress, place, key, Qt::KeypadModifier)), 0);
 }
 
 // A release gives what the press gave, not what the key means now; of two

@@ -1,18 +1,15 @@
 // The assembler window under the offscreen platform, one test per user path:
-// open and save, format, compile and run to *BREAK with the listing following
-// Step, the opcode help, convert, and picture import.
+// open, format and save; compile and run to *BREAK with the listing following
+// Step; the opcode help and the edit buttons; picture import. What the tools
+// compute is the core tests' business: here, that each control reaches it.
 #include <QCheckBox>
 #include <QComboBox>
-#include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPlainTextEdit>
 #include <QPushButton>
-#include <QScrollBar>
-#include <QTextBlock>
 #include <QTextEdit>
-#include <QTimer>
 #include <QtTest>
 #include <filesystem>
 #include <fstream>
@@ -65,69 +62,43 @@ std::string Example(const char* name) {
 class WorkbenchTest : public QObject {
     Q_OBJECT
   private slots:
-    void openAndSave();
-    void formatColoursLines();
+    void openFormatAndSave();
     void compileRunToBreakAndStepFollows();
-    void opcodeHelpFollowsTheCursor();
-    void convertAndEditButtons();
+    void helpAndEditButtons();
     void importPictures();
 };
 
-void WorkbenchTest::openAndSave() {
+void WorkbenchTest::openFormatAndSave() {
     Fixture f;
-    QVERIFY(f.a->isVisible());
-    QCOMPARE(f.a->windowTitle(), QString("Assembler"));
-    std::ofstream("w1250.asm", std::ios::binary) << "DB \"\xC1\"\r\nNOP";
+    std::ofstream("w1250.asm", std::ios::binary) << "X:\r\nDB \"\xC1\" 'c";
     std::ofstream("pic.bmp", std::ios::binary) << "BM";
     f.Open("asm", "w1250.asm");
-    QCOMPARE(f.a->RText1->toPlainText(), QString::fromUtf8("DB \"\xC3\x81\"\nNOP"));
+    const QString text = QString::fromUtf8("X:\nDB \"\xC3\x81\" 'c");
+    QCOMPARE(f.a->RText1->toPlainText(), text);
     QCOMPARE(f.a->Text16->text(), QString("w1250.asm"));
-    QVERIFY(!f.a->Frame2->isVisible());
-    // A picture opened with OPEN leaves the text as it was.
-    f.Open("picture", "pic.bmp");
-    QCOMPARE(f.a->RText1->toPlainText(), QString::fromUtf8("DB \"\xC3\x81\"\nNOP"));
-    QCOMPARE(f.host.messages.back().text, std::string("File Open error!")); // not decodable
-    // "sound!" keeps the pattern of the type before it.
-    f.a->xOpen_Click();
-    f.a->Combo1->setCurrentText("tvcasm");
-    f.a->Combo1->setCurrentText("sound!");
-    QVERIFY(f.a->File1->findItems("w1250.asm", Qt::MatchExactly).isEmpty());
-    f.a->Text16->setText("missing.asm");
-    f.a->Combo1->setCurrentText("asm");
-    f.a->Command[14]->click();
+    f.Open("picture", "pic.bmp"); // not decodable: the text stays
+    QCOMPARE(f.a->RText1->toPlainText(), text);
     QCOMPARE(f.host.messages.back().text, std::string("File Open error!"));
-
-    f.a->xSave_Click();
-    QCOMPARE(f.a->Command[14]->text(), QString("SAVE"));
-    f.a->Text16->setText("w1250.asm"); // overwritten without a question
-    f.a->Command[14]->click();
-    QCOMPARE(Slurp("w1250.asm"), std::string("DB \"\xC3\x81\"\r\nNOP"));
-}
-
-void WorkbenchTest::formatColoursLines() {
-    Fixture f;
-    f.a->RText1->setPlainText("X:\nLD A,1 'c\n*BREAK\ndb 1");
     QTextCursor c = f.a->RText1->textCursor();
     c.setPosition(5);
     f.a->RText1->setTextCursor(c);
     f.a->xFormat_Click();
-    QCOMPARE(f.a->RText1->toPlainText(), QString("X:\nLD A,1 'c\n*BREAK\ndb 1"));
     QCOMPARE(f.a->RText1->textCursor().position(), 5);
-    const std::pair<int, int32_t> at[] = {
-        {0, 0xFF0000}, {3, 0}, {10, 0x379B37}, {13, 0x1919DE}, {20, 0xE119DE}};
-    for (auto [pos, colour] : at)
-        QCOMPARE(ColourAt(f.a->RText1, pos), colour);
+    QCOMPARE(ColourAt(f.a->RText1, 0), 0xFF0000);
+    QCOMPARE(ColourAt(f.a->RText1, 10), 0x379B37);
+    f.a->xSave_Click();
+    QCOMPARE(f.a->Command[14]->text(), QString("SAVE"));
+    f.a->Text16->setText("w1250.asm"); // overwritten without a question
+    f.a->Command[14]->click();
+    QCOMPARE(Slurp("w1250.asm"), std::string("X:\r\nDB \"\xC3\x81\" 'c"));
 }
 
 void WorkbenchTest::compileRunToBreakAndStepFollows() {
     Fixture f;
     std::filesystem::copy_file(Example("count.asm"), "count.asm");
     f.Open("asm", "count.asm");
-    f.a->xFormat_Click();
     f.a->Command[1]->click();
     QCOMPARE(f.a->Text13->text().left(10), QString("Completed:"));
-    QCOMPARE(f.a->Label2->text(), QString::number(10000 + 2 + 2 + 2 + 1 + 2 + 2 + 1));
-    QCOMPARE(f.a->List3->item(0)->text().left(5), QString("LOOP:"));
     QCOMPARE(f.a->Text13->palette().color(QPalette::Base), QColor(0xC0, 0xFF, 0xC0));
     f.a->Check2->setChecked(true);
     QVERIFY(f.a->RText2->isVisible());
@@ -135,21 +106,15 @@ void WorkbenchTest::compileRunToBreakAndStepFollows() {
     QCOMPARE(f.m->cpu.RegPC, 10000);
     f.a->Command[13]->click(); // RUN CPU: stops behind the first *BREAK
     QCOMPARE(f.m->cpu.RegPC, 10000 + 2 + 2 + 2);
-    QCOMPARE(f.m->cpu.RegB, 3);
     f.w->Click("xDebug");
     f.w->cpumon->Command7->click(); // Step: INC A, the listing marks DJNZ
     QCOMPARE(f.a->RText2->textCursor().selectedText(),
              QString("0x" + QString::fromStdString(Hex4(10007))));
-    f.a->RText2->viewport()->setFocus();
     QTest::mouseDClick(f.a->RText2->viewport(), Qt::LeftButton);
-    const std::string rtf = Slurp("RichTextBox.rtf");
-    QVERIFY(rtf.rfind("{\\rtf1", 0) == 0);
-    QVERIFY(rtf.find("DJNZ @LOOP\\par") != std::string::npos);
-
+    QVERIFY(Slurp("RichTextBox.rtf").find("DJNZ @LOOP\\par") != std::string::npos);
     // A bad line: red boxes and the line selected.
     f.a->RText1->setPlainText("NOP\nLD A,256\nNOP");
     f.a->Command[1]->click();
-    QCOMPARE(f.a->Text13->text(), QString("OverFlow Error!"));
     QCOMPARE(f.a->Text13->palette().color(QPalette::Base), QColor(0xFF, 0x80, 0x80));
     QCOMPARE(f.a->RText1->textCursor().selectedText(), QString("LD A,256"));
     // Double-clicking a label jumps to its definition.
@@ -159,53 +124,32 @@ void WorkbenchTest::compileRunToBreakAndStepFollows() {
     QCOMPARE(f.a->RText1->textCursor().selectedText(), QString("loop:"));
 }
 
-void WorkbenchTest::opcodeHelpFollowsTheCursor() {
+void WorkbenchTest::helpAndEditButtons() {
     Fixture f;
     f.a->RText1->setFocus();
     QTest::keyClicks(f.a->RText1, "NOP");
     QVERIFY(f.a->Timer1->isActive());
     f.a->Timer1_Timer();
-    QCOMPARE(f.a->List2->count(), 1);
-    QCOMPARE(f.a->Text11->text(), QString("No operation is performed."));
-    QCOMPARE(f.a->Text7->text(), QString("1"));
-    QCOMPARE(f.a->Text10->text(), QString("4"));
     QCOMPARE(f.a->Label7[5]->text(), QString("unaffected"));
-    QCOMPARE(f.a->Label7[5]->palette().color(QPalette::Window), QColor(255, 255, 255));
     QTest::keyClick(f.a->RText1, Qt::Key_Return);
     QTest::keyClicks(f.a->RText1, "SLL");
     f.a->Timer1_Timer();
     QCOMPARE(f.a->List2->count(), 0);
-    f.a->Check1->click();
+    f.a->Check1->click(); // the undocumented rows too
     f.a->Timer1_Timer();
     QVERIFY(f.a->List2->count() > 1);
     QTest::keyClick(f.a->RText1, Qt::Key_F4);
-    QTest::keyClick(f.a->RText1, Qt::Key_Tab);
-    QVERIFY(f.a->RText1->toPlainText().endsWith("SLL@\t"));
-    // Calculator.
-    f.a->Text5->setText("255");
+    QVERIFY(f.a->RText1->toPlainText().endsWith("SLL@"));
+    f.a->Text5->setText("255"); // the calculator
     QTest::keyClick(f.a->Text5, Qt::Key_Return);
     QCOMPARE(f.a->Text6->text(), QString("FF"));
-    f.a->Text6->setText("1A");
-    QTest::keyClick(f.a->Text6, Qt::Key_Return);
-    QCOMPARE(f.a->Text5->text(), QString("26"));
-    f.a->xHelp_Click();
-    QVERIFY(f.a->Text4->toPlainText().contains(QString::fromUtf8("(fordítás a megadott címtől)")));
-}
-
-void WorkbenchTest::convertAndEditButtons() {
-    Fixture f;
-    f.a->RText1->setPlainText("LOOP: CALL FOO ;x\nX EQU 5\nMSG DB 'AB'");
-    f.a->Command[11]->click();
-    QCOMPARE(f.a->RText1->toPlainText(), QString("LOOP: call @FOO \nX: EQU 5\nMSG:\nDB \"AB\""));
-    f.a->RText1->setPlainText("a\tb");
-    f.a->Command[3]->click();
-    QCOMPARE(f.a->RText1->toPlainText(), QString("a b"));
-    f.a->Command[4]->click();
-    QCOMPARE(f.a->RText1->toPlainText(), QString("A B"));
-    f.a->Command[5]->click();
-    QCOMPARE(f.a->RText1->toPlainText(), QString("a b"));
-    f.a->Command[2]->click();
-    QVERIFY(f.a->RText1->toPlainText().isEmpty());
+    const std::pair<int, const char*> buttons[] = {
+        {11, "X: EQU 5"}, {4, "X: EQU 5"}, {5, "x: equ 5"}, {2, ""}};
+    f.a->RText1->setPlainText("X EQU 5");
+    for (auto [button, text] : buttons) {
+        f.a->Command[size_t(button)]->click();
+        QCOMPARE(f.a->RText1->toPlainText(), QString(text));
+    }
     MemWrite(*f.m, 10000, 0);
     f.a->Command[8]->click();
     QVERIFY(f.a->Text9->toPlainText().startsWith(" 2710 NOP"));
@@ -213,32 +157,22 @@ void WorkbenchTest::convertAndEditButtons() {
 
 void WorkbenchTest::importPictures() {
     Fixture f;
-    // A 16 x 2 picture: white left half.
-    QImage half(16, 2, QImage::Format_RGB32);
+    QImage half(16, 2, QImage::Format_RGB32); // white left half
     half.fill(Qt::black);
-    for (int y = 0; y < 2; ++y)
-        for (int x = 0; x < 8; ++x)
-            half.setPixel(x, y, qRgb(255, 255, 255));
+    for (int x = 0; x < 8; ++x)
+        half.setPixel(x, 0, qRgb(255, 255, 255));
     QVERIFY(half.save("half.bmp"));
     std::ofstream("bad.bmp", std::ios::binary) << "not a picture";
     f.a->xOpen_Click();
     f.a->Combo1->setCurrentText("picture");
     f.a->File1->itemClicked(f.a->File1->findItems("half.bmp", Qt::MatchExactly)[0]);
-    QCOMPARE(f.a->ResPic.width, 16);
     QVERIFY(!f.a->Image1->pixmap().isNull());
-    const struct {
-        int button, mode;
-        uint8_t first, second;
-    } cases[] = {{9, 0, 0xFF, 0x00}, {10, 1, 0xFF, 0x00}, {16, 2, 0xFF, 0x00}};
-    for (const auto& c : cases) {
-        f.a->Command[size_t(c.button)]->click();
-        QCOMPARE(f.m->bus.Mem[0x10000], c.first);
-        QCOMPARE(f.m->bus.Mem[0x10001], c.second);
-        QCOMPARE(f.m->bus.PortLatch[6] & 3, c.mode);
-    }
+    f.a->Command[16]->click();
+    QCOMPARE(f.m->bus.Mem[0x10000], uint8_t(0xFF));
+    QCOMPARE(f.m->bus.Mem[0x10001], uint8_t(0x00));
+    QCOMPARE(f.m->bus.PortLatch[6] & 3, 2);
     f.a->File1->itemClicked(f.a->File1->findItems("bad.bmp", Qt::MatchExactly)[0]);
     QCOMPARE(f.host.messages.back().text, std::string("File Open error!"));
-    QCOMPARE(f.a->ResPic.width, 16);
 }
 
 QTEST_MAIN(WorkbenchTest)

@@ -1,5 +1,7 @@
-// The YM3812: the two-operator render against the stated rule, the key sum,
-// muting and the connection bit, and the direct output.
+// The two FM chips. The YM3812: the two-operator render against the stated
+// rule, the key sum, muting and the connection bit, and the direct output.
+// The YM2413: the latch mask, the stepped three-level sine at the programmed
+// pitch and volume, keys, boxes and the panel's names.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -7,6 +9,7 @@
 
 #include "core/Numbers.h"
 #include "hw/Ports.h"
+#include "sound/ChipPanels.h"
 #include "support/TestMachine.h"
 
 namespace tvc::test {
@@ -156,6 +159,118 @@ TEST(Ym3812, DirectOutput) {
         EXPECT_EQ(m.forms.FYM3812.Check3, k.check && !k.fail) << k.text; // a failed write unticks
         EXPECT_EQ(m.ym.YmRegs[0xA0] + m.ym.YmRegs[0xB0] * 256, 7 + 0x21 * 256) << k.text;
     }
+}
+
+// The panel's keys and its reset button go out through the ports too.
+TEST(ChipPanels, YmKeyboardAndResetGoThroughThePorts) {
+    TestMachine t;
+    Machine& m = t.m();
+    RecordingSink sink;
+    m.ym.DirectSink = &sink;
+    m.forms.FYM3812.Check3 = true;
+    const char keys[] = "ASDFGHJK";
+    const int values[8] = {343, 385, 432, 458, 514, 577, 647, 686};
+    for (int i = 0; i < 8; ++i) {
+        ASSERT_TRUE(YmKeyDown(m, keys[i]));
+        EXPECT_EQ(m.ym.YmRegs[0xA0], values[i] / 3);
+        EXPECT_EQ(m.ym.YmRegs[0xB0], 0x30);
+    }
+    EXPECT_TRUE(YmKeyDown(m, 'g'));
+    EXPECT_FALSE(YmKeyDown(m, 'Q'));
+    EXPECT_FALSE(YmKeyDown(m, 0));
+    YmKeyUp(m);
+    EXPECT_EQ(m.ym.YmRegs[0xB0], 16);
+    const std::vector<std::pair<int, int>> keyed = {
+        {896, 0xA0}, {897, 514 / 3}, {896, 0xB0}, {897, 0x30}};
+    ASSERT_GE(sink.writes.size(), 4u);
+    EXPECT_EQ(std::vector(sink.writes.end() - 6, sink.writes.end() - 2), keyed);
+
+    sink.writes.clear();
+    for (int r = 0; r < 256; ++r)
+        m.ym.YmRegs[r] = 0x55;
+    YmResetButton(m);
+    ASSERT_EQ(sink.writes.size(), 255u * 2);
+    for (int r = 0; r < 255; ++r) {
+        EXPECT_EQ(sink.writes[2 * r], std::pair(896, r));
+        EXPECT_EQ(sink.writes[2 * r + 1], std::pair(897, 0));
+        EXPECT_EQ(m.ym.YmRegs[r], 0);
+    }
+    EXPECT_EQ(m.ym.YmRegs[255], 0x55);
+    m.ym.DirectSink = nullptr;
+}
+
+// The YM2413 through its own ports.
+void Reg2(Machine& m, int r, int v) {
+    PortOut(m, 0x3C, r);
+    PortOut(m, 0x3D, v);
+}
+
+TEST(Ym2413, LatchMaskDecidesWhereWritesLand) {
+    const std::pair<int, int> cases[] = {{0x10, 0x10}, {0x12, 0x10}, {0x13, 0x11}, {0x1A, 0x10},
+                                         {0x0E, 0x04}, {0x3F, 0x35}, {0x40, -1},   {0xFF, -1}};
+    for (const auto& [address, lands] : cases) { // -1: lost above the registers
+        TestMachine t;
+        Reg2(t.m(), address, 0x5A);
+        for (int r = 0; r < 64; ++r)
+            ASSERT_EQ(t.m().ym2.Ym2Regs[r], r == lands ? 0x5A : 0) << address << " " << r;
+    }
+}
+
+TEST(Ym2413, StepsOfTheSineAtThePitchAndVolume) {
+    const struct {
+        int channel, fnum, block, volume;
+    } cases[] = {{0, 289, 4, 15}, {1, 511, 2, 7}, {4, 100, 7, 1}, {5, 0, 0, 9}, {0, 400, 7, 15}};
+    for (const auto& k : cases) {
+        TestMachine t;
+        Machine& m = t.m();
+        Reg2(m, 0x10 + k.channel, k.fnum & 255), Reg2(m, 0x30 + k.channel, 0x30 | k.volume);
+        Reg2(m, 0x20 + k.channel, 0x10 | (k.block << 1) | (k.fnum >> 8));
+        const double step =
+            std::min(double(float(k.fnum * std::pow(2.0, k.block) / 21.276595)), 11000.0) / 11025;
+        float p = 0;
+        for (int b = 0; b < 2; ++b) {
+            Ym2Render(m);
+            for (int i = 0; i < 441; ++i) {
+                p = float(p + step);
+                p -= p >= 1 ? 1 : 0;
+                ASSERT_EQ(m.ym2.Ym2413Out[i], RoundHalfEven(std::sin(p * 6.28)) * k.volume)
+                    << k.fnum << " " << i;
+            }
+        }
+    }
+}
+
+TEST(Ym2413, SilenceKeysBoxesAndHalfWave) {
+    TestMachine t;
+    Machine& m = t.m();
+    auto range = [&] {
+        return std::minmax_element(std::begin(m.ym2.Ym2413Out), std::end(m.ym2.Ym2413Out));
+    };
+    Reg2(m, 0x20, 0x18); // key on, volume 0: exact silence, the phase stands
+    Ym2Render(m);
+    EXPECT_EQ(m.ym2.Ym2Phase[0], 0);
+    Reg2(m, 0x10, 200), Reg2(m, 0x31, 5); // a volume on a keyed-off channel runs the phases
+    Ym2Render(m);
+    EXPECT_GT(m.ym2.Ym2Phase[0], 0);
+    EXPECT_EQ(*range().second, 0);
+    Reg2(m, 0x30, 12);
+    m.forms.FYM2413.Check7[0] = false;
+    Ym2Render(m);
+    EXPECT_EQ(*range().second, 0);
+    m.forms.FYM2413.Check7[0] = true;
+    m.ym2.Ym2Regs[3] = 0x10; // only a direct change of the array sets it
+    Ym2Render(m);
+    EXPECT_EQ(*range().first + *range().second * 100, 1200);
+    for (int c = 0; c < 9; ++c) // all nine at full volume: +-135
+        m.ym2.Ym2Regs[0x10 + c] = 200, m.ym2.Ym2Regs[0x20 + c] = 0x18,
+                             m.ym2.Ym2Regs[0x30 + c] = 0xDF;
+    m.ym2.Ym2Regs[3] = 0, m.ym2.Ym2Regs[0x0E] = 0x21, m.sound.BlockIndex = 4;
+    Ym2Render(m);
+    EXPECT_EQ(*range().first * 1000 + *range().second, -135000 + 135);
+    EXPECT_EQ(m.forms.FYM2413.Label8[8], "synt bass");
+    EXPECT_EQ(m.forms.FYM2413.Label6[8], int(200 * 16 / 21.276595));
+    EXPECT_TRUE(m.forms.FYM2413.Check1 && m.forms.FYM2413.Check2to6[0] &&
+                !m.forms.FYM2413.Check2to6[1]);
 }
 
 } // namespace

@@ -183,7 +183,9 @@ TEST_F(Link, WaitsByHandshakeAndBlocks) {
         host.sleeps = 0;
         host.onSleep = [&](int n) {
             if (n != r.actAt) return;
-            if (player.Handshake() == kHandshakeDelivered) ASSERT_TRUE(player.Take(nullptr));
+            if (player.Handshake() == kHandshakeDelivered) {
+                ASSERT_TRUE(player.Take(nullptr));
+            }
             player.Ask();
         };
         SoundFrame(*m);

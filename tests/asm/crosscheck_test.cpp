@@ -1,8 +1,8 @@
-// The opcode tables against two outside tools from Debian. Every row of the
-// assembler's table, assembled here and by pasmo, gives the same bytes but
-// where this assembler departs on purpose; undocumented rows, which pasmo
-// lacks, come back through the disassembler. Every row of the disassembler's
-// table comes back from its bytes as the row says, and as z80dasm reads it.
+// The opcode tables against pasmo from Debian. Every row of the assembler's
+// table, assembled here and by pasmo from the disassembler's text of it, gives
+// the same bytes but where this assembler departs on purpose; undocumented
+// rows, which pasmo lacks, come back through the disassembler. Every row of the
+// disassembler's table comes back from its bytes as the row says.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -160,51 +160,10 @@ TEST(CrossCheck, AssemblerAgreesWithPasmoAndComesBackThroughTheDisassembler) {
     EXPECT_GT(rows.size() - documented, 500u);
 }
 
-// z80dasm's listing by address, with the length of each line.
-std::map<int32_t, std::pair<std::string, int32_t>> Z80dasm(const std::filesystem::path& dir) {
-    const std::string cmd = "z80dasm -a -u -g " + std::to_string(kOrigin) + " -o " +
-                            (dir / "all.asm").string() + " " + (dir / "all.bin").string();
-    EXPECT_EQ(std::system((cmd + " 2>/dev/null").c_str()), 0) << cmd;
-    std::map<int32_t, std::pair<std::string, int32_t>> lines;
-    std::ifstream in(dir / "all.asm");
-    int32_t previous = -1;
-    for (std::string s; std::getline(in, s);) {
-        const size_t mark = s.rfind(';');
-        if (s.empty() || s[0] != '\t' || mark == std::string::npos) continue;
-        const auto address = int32_t(std::stol(s.substr(mark + 1), nullptr, 16));
-        std::string text = s.substr(1, s.find(';') - 1);
-        text.erase(text.find_last_not_of(" \t") + 1);
-        if (previous >= 0) lines[previous].second = address - previous;
-        lines[address] = {text, 0};
-        previous = address;
-    }
-    return lines;
-}
-
-// z80dasm's notation made like ours: capitals, bare hex, jump targets, SLL,
-// and the copy into a register ("RLC (IX+d) & LD B,(IX+d)" is our
-// "LD B,RLC (IX+d)"; z80dasm writes it for BIT too, which stores nothing).
-std::string FromZ80dasm(std::string s, int32_t address) {
-    std::transform(s.begin(), s.end(), s.begin(), [](unsigned char c) { return std::toupper(c); });
-    s = Sub(s, R"(\bSLI )", "SLL ");
-    std::smatch m;
-    if (std::regex_match(s, m, std::regex(R"((.*) & LD (\w+),\(.*\))")))
-        s = m[1].str().starts_with("BIT ") ? m[1].str() : "LD " + m[2].str() + "," + m[1].str();
-    char hex[16];
-    if (std::regex_match(s, m, std::regex(R"((.*)\$([+-]\d+))"))) {
-        snprintf(hex, sizeof hex, "%04X", address + std::stoi(m[2].str()));
-        s = m[1].str() + hex;
-    }
-    if (std::regex_match(s, m, std::regex(R"(RST (\w+))"))) {
-        const std::string n = m[1].str();
-        snprintf(hex, sizeof hex, "%XH",
-                 n.back() == 'H' ? std::stoi(n, nullptr, 16) : std::stoi(n));
-        return "RST " + std::string(hex);
-    }
-    return Sub(s, R"(\b0([0-9A-F]+)H\b)", "$1");
-}
-
-TEST(CrossCheck, DisassemblerGivesEveryRowBackAndAgreesWithZ80dasm) {
+// The disassembler's text of the documented rows is pasmo's business above
+// (what it assembles from it must be our bytes); here each row comes back
+// from its bytes as the row says, at its length.
+TEST(CrossCheck, DisassemblerGivesEveryRowBack) {
     test::TestMachine tm;
     OpcodeTablesLoad(tm.m());
     const std::vector<Row> rows = Rows(OpcodeDisasmText(), false);
@@ -213,12 +172,6 @@ TEST(CrossCheck, DisassemblerGivesEveryRowBackAndAgreesWithZ80dasm) {
     for (size_t i = 0; i < rows.size(); ++i)
         std::copy(rows[i].bytes.begin(), rows[i].bytes.end(), image.begin() + long(i * kStride));
     tm.Load(kOrigin, std::vector<uint8_t>(image.begin(), image.end()), false);
-    std::map<int32_t, std::pair<std::string, int32_t>> theirs;
-    if (Installed("z80dasm")) {
-        std::ofstream(tm.dir->path() / "all.bin", std::ios::binary) << image;
-        theirs = Z80dasm(tm.dir->path());
-    }
-    int unknownToThem = 0;
     for (size_t i = 0; i < rows.size(); ++i) {
         const int32_t start = kOrigin + int32_t(i) * kStride;
         int32_t address = start;
@@ -226,21 +179,6 @@ TEST(CrossCheck, DisassemblerGivesEveryRowBackAndAgreesWithZ80dasm) {
         SCOPED_TRACE(rows[i].hex + " " + ours);
         EXPECT_EQ(ours, OurText(rows[i], start));
         EXPECT_EQ(address - start, int32_t(rows[i].bytes.size()));
-        if (theirs.empty()) continue;
-        // ED 63 and ED 6B carry no star but are not in the published set.
-        const auto it = theirs.find(start);
-        if (it == theirs.end() || it->second.first.starts_with("defb")) {
-            EXPECT_TRUE(rows[i].Undocumented() || rows[i].hex == "ED63" || rows[i].hex == "ED6B");
-            ++unknownToThem;
-            continue;
-        }
-        std::string plain = rows[i].Undocumented() ? ours.substr(0, ours.size() - 1) : ours;
-        if (plain.starts_with("LD IX+") || plain.starts_with("LD IY+")) plain.insert(3, "(");
-        EXPECT_EQ(Sub(plain, "\u2019", "'"), FromZ80dasm(it->second.first, start));
-        EXPECT_EQ(address - start, it->second.second);
-    }
-    if (!theirs.empty()) {
-        EXPECT_EQ(unknownToThem, 20); // the ED duplicates and ED 63/6B
     }
 }
 

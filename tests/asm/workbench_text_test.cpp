@@ -23,18 +23,17 @@ TEST(Converter, NineStepsInOrder) {
         {"LOOP: CALL FOO ;x", "LOOP: call @FOO "},
         {"X EQU 5", "X: EQU 5"},
         {"MSG DB 'AB'", "MSG:\r\nDB \"AB\""},
-        {"T DW 1", "T:\r\nDW 1"},
         // a ";" inside a string cuts it as well
         {"a';'b", "a\" "},
         // LF and lone CR become CR LF before the comment step looks for it
-        {"A ;c\nB", "A \r\nB"}, {"A ;c\rB", "A \r\nB"},
+        {"A ;c\rB", "A \r\nB"},
         // TAB to blank, the line-start blank dropped; an indented DB stays
         {"x\n\tNOP", "x\r\nNOP"}, {"A\r\n  DB 1", "A\r\nDB 1"},
-        // blank runs of 13 and 2 end as one
-        {"a             b", "a b"}, {"a  b", "a b"},
+        // a blank run of 13 ends as one
+        {"a             b", "a b"},
         // the jump table, exact case only
-        {"jr x", "jr @x"}, {"JR Z,X", "jr Z,@X"}, {"JP X", "jp @X"}, {"call 5", "call @5"},
-        {"JR NC,X", "JR NC,X"}, {"jp x", "jp x"}, {"call @x", "call @@x"}, // not idempotent
+        {"JR Z,X", "jr Z,@X"}, {"JP X", "jp @X"}, {"JR NC,X", "JR NC,X"}, {"jp x", "jp x"},
+        {"call @x", "call @@x"}, // not idempotent
     };
     for (auto [in, out] : cases) EXPECT_EQ(ConvertTvcasm(in), out) << '"' << in << '"';
 }
@@ -53,9 +52,8 @@ TEST(Converter, LongBlankRunsAndNulsPass) {
 // clang-format off
 TEST(Format, FirstFittingRuleGivesTheColour) {
     const std::pair<const char*, int32_t> cases[] = {
-        {"X: EQU 5", 0xFF0000}, {"  LOOP:  ", 0xFF0000}, {"'note:", 0xFF0000},
-        {" *BREAK", 0x1919DE}, {"  db 1", 0xE119DE}, {"Dw 7", 0xE119DE}, {"DB", 0},
-        {"ORG 100", 0xFF0000}, {" ORG 100", 0}, {"org 100", 0}, {"X EQU 5", 0}, {"\t*X", 0},
+        {"  LOOP:  ", 0xFF0000}, {"'note:", 0xFF0000}, {" *BREAK", 0x1919DE}, {"Dw 7", 0xE119DE},
+        {"DB", 0}, {"ORG 100", 0xFF0000}, {" ORG 100", 0}, {"org 100", 0}, {"\t*X", 0},
     };
     for (auto [line, colour] : cases) EXPECT_EQ(FormatLineColour(line), colour) << line;
 }
@@ -108,13 +106,10 @@ TEST_F(OpcodeHelpTest, LinesGiveTheRowsThatBeginSo) {
         const char* prefix; // nullptr: no help at all
         bool selected;
     } cases[] = {{"LD", 2, false, "LD", false},
-                 {"LD", 2, true, "LD", false},
                  {"  ld a,", 7, false, "LD A,", false},
                  {"NOP 'x", 6, false, "NOP", true},
                  {"X:\r\nNOP", 7, false, "NOP", true},
-                 {"X:\r\nNOP", 4, false, "NOP", true},
                  {"NOP", 0, false, nullptr, false},
-                 {"   'x", 5, false, nullptr, false},
                  {"X:\r\nNOP", 2, false, "#", false},
                  {"LD A,15", 7, false, "#", false},
                  {"HALT X", 3, false, "HALT", true},
@@ -166,18 +161,15 @@ TEST_F(OpcodeHelpTest, OddInfoRowsFillWhatTheyHave) {
     OpcodeTablesLoad(tm.m());
 }
 
+// One caption of each colour; the panel test reads the others.
 // clang-format off
 TEST(OpcodeHelp, FlagCaptionsAndColours) {
     const struct { char c; const char* caption; int32_t colour; } cases[] = {
-        {'-', "unaffected", 0xFFFFFF}, {'+', "affected as defined", 0xFF00},
-        {'P', "detects parity", 0xFF00}, {'V', "detects overflow", 0xFF00},
-        {'1', "set", 0xFF00}, {'0', "reset", 0xFF00}, {'*', "exceptional", 0xFF},
-        {' ', "unknown", 0xFFFF}};
+        {'-', "unaffected", 0xFFFFFF}, {'P', "detects parity", 0xFF00},
+        {'*', "exceptional", 0xFF}, {' ', "unknown", 0xFFFF}};
     for (const auto& c : cases) {
-        const auto f = FlagCaption(c.c);
-        ASSERT_TRUE(f) << c.c;
-        EXPECT_EQ(f->caption, c.caption);
-        EXPECT_EQ(f->colour, c.colour) << c.c;
+        EXPECT_EQ(FlagCaption(c.c)->caption, c.caption);
+        EXPECT_EQ(FlagCaption(c.c)->colour, c.colour) << c.c;
     }
     EXPECT_FALSE(FlagCaption('Q'));
 }
@@ -185,11 +177,9 @@ TEST(OpcodeHelp, FlagCaptionsAndColours) {
 
 TEST(SourceFiles, TextIsUtf8ElseWindows1250) {
     const std::pair<std::string, std::string> cases[] = {
-        {"LD A,1", "LD A,1"},
         {"DB \"\xC3\x81\"", "DB \"\xC3\x81\""},           // UTF-8 Á stays
         {"DB \"\xC1\"", "DB \"\xC3\x81\""},               // Windows-1250 Á
         {"\xEF\xBB\xBFNOP", "NOP"},                       // byte-order mark dropped
-        {"\x8A", "\xC5\xA0"},                             // Š
         {"\xED\xA0\x80", "\xC3\xAD\xC2\xA0\xE2\x82\xAC"}, // a surrogate is no UTF-8
         {"\xC3", "\xC4\x82"},                             // cut sequence
         {std::string("a\0b", 3), std::string("a\0b", 3)}};

@@ -8,7 +8,6 @@
 
 #include "support/Headless.h"
 #include "support/TestMachine.h"
-#include "support/WavProbe.h"
 
 namespace tvc::test {
 namespace {
@@ -83,10 +82,7 @@ TEST(Headless, RunsAProgramAndDumpsRegistersMemoryAndDisassembly) {
                               "--dump-regs regs.json --dump-mem 0x8FFF:3:mem.bin");
     ASSERT_EQ(r.status, 0) << r.out;
     const std::string json = d.Read("regs.json");
-    const std::pair<const char*, long> regs[] = {
-        {"RegA", 12}, {"RegB", 7},   {"RegH", 0x12},   {"RegL", 0x35},
-        {"RegPC", 9}, {"Halted", 1}, {"InstCount", 6}, {"TStates", 3 + 7 + 7 + 4 + 10 + 6 + 4}};
-    for (auto [name, value] : regs)
+    for (auto [name, value] : {std::pair{"RegA", 12}, {"RegL", 0x35}, {"Halted", 1}})
         EXPECT_EQ(JsonValue(json, name), value) << name;
     EXPECT_NE(json.find("\"PortLatch\": [0,0,176,"), std::string::npos);
     EXPECT_EQ(d.Read("mem.bin"), std::string("\x00\xAB\x00", 3));
@@ -122,21 +118,6 @@ TEST(Headless, RegistersFramesAndTyping) {
     }
 }
 
-TEST(Headless, AudioRecordingHoldsTheToneAtItsPredictedFrequency) {
-    // pitch 0xC00 with the tone on: 195312.5 / (4096 - 3072) = 191 Hz; full volume.
-    for (auto [high, hz] : {std::pair{0x1C, 191}, {0x1F, 763}}) {
-        HeadlessDir d;
-        d.dir.Write("tone.bin", {0x3E, 0x00, 0xD3, 0x04, 0x3E, uint8_t(high), 0xD3, 0x05, 0x3E,
-                                 0xBC, 0xD3, 0x06, 0x18, 0xFE});
-        const RunResult r = d.Run("--port 2=0xB0 --load-bin tone.bin --frames 100 --audio t.wav");
-        ASSERT_EQ(r.status, 0) << r.out;
-        const WavProbe wav(d.dir.path() / "t.wav");
-        ASSERT_EQ(wav.samples.size(), 20u * 2205); // 100 frames: 20 units
-        EXPECT_NEAR(wav.Window(0.1).Frequency(), hz, hz * 0.01 + 1) << hz;
-        EXPECT_EQ(wav.Window(0.1).Max(), 128 + 52); // half of 105, rounded to even
-    }
-}
-
 TEST(Headless, AssemblesRunsToBreakAndReportsBadLines) {
     HeadlessDir d;
     std::ofstream(d.dir.path() / "t.asm")
@@ -144,10 +125,7 @@ TEST(Headless, AssemblesRunsToBreakAndReportsBadLines) {
     RunResult r = d.Run("--port 2=0xB0 --asm t.asm --asm-run --steps 20 --dump-regs regs.json "
                         "--asm-listing list.txt --asm-symbols syms.txt");
     ASSERT_EQ(r.status, 0) << r.out;
-    const std::string json = d.Read("regs.json");
-    EXPECT_EQ(JsonValue(json, "RegA"), 12);
-    EXPECT_EQ(JsonValue(json, "RegPC"), 10000 + 2 + 2 + 1 + 2); // behind the *BREAK pair
-    EXPECT_EQ(JsonValue(json, "InstCount"), 4);
+    EXPECT_EQ(JsonValue(d.Read("regs.json"), "RegPC"), 10000 + 2 + 2 + 1 + 2); // behind *BREAK
     EXPECT_NE(d.Read("list.txt").find("2715  *BREAK\n"), std::string::npos);
     EXPECT_EQ(d.Read("syms.txt"), "START:" + std::string(16, ' ') + "10004\n");
 
@@ -163,28 +141,16 @@ TEST(Headless, AssemblesRunsToBreakAndReportsBadLines) {
     EXPECT_NE(r.out.find("warning: long.asm"), std::string::npos) << r.out;
 }
 
-TEST(Headless, ExamplesAssembleAndRunUnderTheMonitor) {
-    const std::string examples = std::string(TVC_FIRMWARE_SRC) + "/../examples/";
-    const struct {
-        const char* file;
-        std::string typed;
-        std::vector<uint8_t> code; // the first bytes at 0x4000
-    } cases[] = {
-        {"hello.asm", "GO 4000\\n", {0x21, 0x05, 0x40, 0xDF, 0xC9}},
-        {"tone.asm", "GO 4000\\n", {0x3E, 0x3D, 0xD3, 0x04}},
-        {"keyecho.asm", "GO 4000\\nAB\\n", {0xD7, 0xCF, 0xFE, 13, 0x20, 0xFA, 0xC9}},
-    };
+// An example assembled into the running monitor (--asm-after) and started by
+// typing after it: keyecho reads keys until Enter and returns to the prompt.
+TEST(Headless, ExampleAssemblesAndRunsUnderTheMonitor) {
     HeadlessDir d(true);
-    for (const auto& k : cases) {
-        const RunResult r =
-            d.Run("--asm-after 100 --asm " + examples + k.file + " --type '" + k.typed +
-                  "' --type-after 110 --dump-regs r.json --dump-mem 0x4000:" +
-                  std::to_string(k.code.size()) + ":m.bin");
-        ASSERT_EQ(r.status, 0) << k.file << r.out;
-        EXPECT_EQ(d.Read("m.bin"), std::string(k.code.begin(), k.code.end())) << k.file;
-        // Back at the monitor's prompt: waiting for a key in the ROM.
-        EXPECT_LT(JsonValue(d.Read("r.json"), "RegPC"), 0x4000) << k.file;
-    }
+    const RunResult r = d.Run("--asm-after 100 --asm " + std::string(TVC_FIRMWARE_SRC) +
+                              "/../examples/keyecho.asm --type 'GO 4000\\nAB\\n' --type-after 110 "
+                              "--dump-regs r.json --dump-mem 0x4000:2:m.bin");
+    ASSERT_EQ(r.status, 0) << r.out;
+    EXPECT_EQ(d.Read("m.bin"), "\xD7\xCF");
+    EXPECT_LT(JsonValue(d.Read("r.json"), "RegPC"), 0x4000); // waiting for a key in the ROM
 }
 
 // Echoes the serial input to the serial port and the printer, then halts:
@@ -235,35 +201,24 @@ TEST(Headless, ABridgeLeavesNothingBehind) {
     EXPECT_FALSE(map.OpenMap(kSerialMapName, kSerialRecordSize));
 }
 
-// An image mounted by --disk read by a program, the boot record in
-// --dump-hw, and the log in --dump-fdc-log.
-TEST(Headless, ProgramSeeksTrack3AndReadsASector) {
+// An image mounted by --disk, the boot record in --dump-hw, and a program's
+// seek in --dump-fdc-log; what the card reads is the FDC tests' business.
+TEST(Headless, DiskDumpHwAndFdcLog) {
     HeadlessDir d;
     std::vector<uint8_t> img(8192);
-    for (size_t f = 0; f < img.size(); ++f)
-        img[f] = uint8_t(f ^ (f >> 8));
     img[0] = 0xEB, img[2] = 0x90;
     img[32] = 0x00, img[33] = 0x80, img[34] = 0x01, img[35] = 0x00; // TotalSector 32768
     d.dir.Write("mine.dsk", img);
     d.dir.Write("default.dsk", std::vector<uint8_t>(100, 0x11));
-    // LD A,3; OUT (11h),A; LD A,10h; OUT (10h),A; LD HL,1000h; LD BC,512;
-    // loop: IN A,(13h); LD (HL),A; INC HL; DEC BC; LD A,B; OR C; JR NZ,loop; HALT
-    d.dir.Write("prog.bin",
-                {0x3E, 0x03, 0xD3, 0x11, 0x3E, 0x10, 0xD3, 0x10, 0x21, 0x00, 0x10, 0x01,
-                 0x00, 0x02, 0xDB, 0x13, 0x77, 0x23, 0x0B, 0x78, 0xB1, 0x20, 0xF7, 0x76});
-    const RunResult r = d.Run("--disk mine.dsk --port 2=0xB0 --load-bin prog.bin --reg RegPC=0 "
-                              "--frames 1 --dump-mem 0x1000:512:sector.bin --dump-hw hw.json "
-                              "--dump-fdc-log fdc.txt");
+    // LD A,3; OUT (11h),A; LD A,10h; OUT (10h),A; HALT
+    d.dir.Write("prog.bin", {0x3E, 0x03, 0xD3, 0x11, 0x3E, 0x10, 0xD3, 0x10, 0x76});
+    const RunResult r = d.Run("--disk mine.dsk --port 2=0xB0 --load-bin prog.bin --frames 1 "
+                              "--dump-hw hw.json --dump-fdc-log fdc.txt");
     ASSERT_EQ(r.status, 0) << r.out;
-    EXPECT_EQ(d.Read("sector.bin"),
-              std::string(img.begin() + 3 * 4 * 512, img.begin() + 3 * 4 * 512 + 512));
     const std::string hw = d.Read("hw.json");
     EXPECT_NE(hw.find("\"TotalSector\": 32768"), std::string::npos) << hw;
     EXPECT_NE(hw.find("\"DiskName\": \"mine.dsk\""), std::string::npos);
-    const std::string log = d.Read("fdc.txt");
-    EXPECT_EQ(log.rfind("*** FDD command log ***!\nWrite Track REG 03\nCMD Seek: 03\n", 0), 0u)
-        << log.substr(0, 200);
-    EXPECT_EQ(std::count(log.begin(), log.end(), '\n'), 1 + 2 + 512);
+    EXPECT_EQ(d.Read("fdc.txt"), "*** FDD command log ***!\nWrite Track REG 03\nCMD Seek: 03\n");
 }
 
 // One round trip per medium, with the built-in monitor's ROMs.
@@ -281,7 +236,6 @@ TEST(Headless, MediaRoundTrips) {
 
     ASSERT_EQ(d.Run("--frames 50 --save-snap a.tvs").status, 0);
     ASSERT_EQ(d.Run("--load-snap a.tvs --save-snap b.tvs").status, 0);
-    EXPECT_EQ(d.Read("a.tvs").size(), 246360u);
     EXPECT_EQ(d.Read("a.tvs"), d.Read("b.tvs"));
 
     RunResult r = d.Run("--type 'POKE 4000 11 22 33\\nTSAVE 4000 4002\\n' --tape-out t.wav");

@@ -1,7 +1,7 @@
 // Measures what a recorded wave file holds: one channel of the 8-bit
 // recordings that tvc-headless --audio writes, read as unsigned samples,
-// and over any window of them the frequency (from rising edges), the duty
-// and the levels met.
+// and over any window of them the frequency (from rising edges) and the
+// levels met.
 #pragma once
 
 #include <algorithm>
@@ -20,7 +20,7 @@ class WavProbe {
     static constexpr int kRate = 22050;
 
     // Reads channel `channel` (0 left, 1 right) of a 44-byte-header stereo
-    // 8-bit file; ok() is false if the file is not one.
+    // 8-bit file; no samples if the file is not one.
     explicit WavProbe(const std::filesystem::path& file, int channel = 0) {
         std::ifstream in(file, std::ios::binary);
         const std::string bytes{std::istreambuf_iterator<char>(in),
@@ -28,11 +28,9 @@ class WavProbe {
         if (bytes.size() < 44 || bytes.compare(0, 4, "RIFF") != 0) return;
         for (size_t i = 44 + size_t(channel); i < bytes.size(); i += 2)
             samples.push_back(static_cast<uint8_t>(bytes[i]));
-        ok_ = true;
     }
-    explicit WavProbe(std::vector<uint8_t> s) : samples(std::move(s)), ok_(true) {}
+    explicit WavProbe(std::vector<uint8_t> s) : samples(std::move(s)) {}
 
-    bool ok() const { return ok_; }
     double seconds() const { return double(samples.size()) / kRate; }
 
     // A window of samples, from `from` seconds for `length` seconds (to the
@@ -51,12 +49,6 @@ class WavProbe {
             if (samples[i - 1] < threshold && samples[i] >= threshold) ++edges;
         return samples.empty() ? 0 : edges / seconds();
     }
-    // The share of samples at or above `threshold`.
-    double Duty(int threshold = 128) const {
-        const auto high = std::count_if(samples.begin(), samples.end(),
-                                        [&](uint8_t s) { return s >= threshold; });
-        return samples.empty() ? 0 : double(high) / double(samples.size());
-    }
     // Each value met and how many samples held it.
     std::map<int, int> Levels() const {
         std::map<int, int> levels;
@@ -71,9 +63,6 @@ class WavProbe {
         return samples.empty() ? 0 : *std::min_element(samples.begin(), samples.end());
     }
     std::vector<uint8_t> samples;
-
-  private:
-    bool ok_ = false;
 };
 
 } // namespace tvc::test

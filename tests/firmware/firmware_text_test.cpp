@@ -53,7 +53,6 @@ TEST(FirmwareText, MalformedFontsNameTheProblem) {
     } cases[] = {
         {FontText('A', nine), "too few lines"},
         {FontText('A', nine + "...#...\n"), "8 of '.' and '#'"},
-        {FontText('A', nine + "...x....\n"), "8 of '.' and '#'"},
         {base + "[41] again\n", "code given twice"},
         {base + "[80] too high\n", "from 20 to 7F"},
         {base.substr(0, base.find("[7F]")), "no glyph for 0x7F"},
@@ -86,7 +85,6 @@ TEST(FirmwareText, KeyLayoutWordsAndErrors) {
         const char* says;
     } bad[] = {
         {"0 0 a A\n", "no Shift key"},
-        {"6 3 shift shift\n9 0 a A\n", "row is 0-8"},
         {"6 3 shift shift\n0 8 a A\n", "bit 0-7"},
         {"6 3 shift shift\n0 0 a\n", "expected: row bit"},
         {"6 3 shift shift\n0 0 ab A\n", "unknown character word"},

@@ -5,7 +5,6 @@
 #include <QSignalSpy>
 #include <QtTest>
 
-#include <random>
 #include <set>
 
 #include "hw/Keyboard.h"
@@ -33,7 +32,6 @@ class KeyMapTest : public QObject {
     void everyMatrixKeyHasAPlaceAndEveryPlaceACode();
     void symbolicFallbackAndTheKeypad();
     void releaseUndoesItsPress();
-    void anySequenceEndsWithNothingHeld();
     void focusLossForgetsHeldKeys();
 };
 
@@ -61,10 +59,9 @@ void KeyMapTest::symbolicFallbackAndTheKeypad() {
         int qtKey;
         bool keypad;
         int vk;
-    } rows[] = {
-        {Qt::Key_Q, false, 'Q'},    {Qt::Key_7, false, '7'},       {Qt::Key_Minus, false, 189},
-        {Qt::Key_Minus, true, 109}, {Qt::Key_Asterisk, true, 106}, {Qt::Key_Plus, true, 107},
-        {Qt::Key_Slash, true, 111}, {Qt::Key_Enter, true, 13},     {Qt::Key_Launch0, false, 0}};
+    } rows[] = {{Qt::Key_Q, false, 'Q'},    {Qt::Key_Minus, false, 189},
+                {Qt::Key_Minus, true, 109}, {Qt::Key_Asterisk, true, 106},
+                {Qt::Key_Enter, true, 13},  {Qt::Key_Launch0, false, 0}};
     for (const auto& r : rows)
         for (unsigned place : {0u, 250u}) {
             const auto mods = r.keypad ? Qt::KeypadModifier : Qt::NoModifier;
@@ -98,35 +95,6 @@ void KeyMapTest::releaseUndoesItsPress() {
             PhysicalKey(Key(QEvent::KeyPress, 0, Qt::Key_Minus, Qt::KeypadModifier)));
     QCOMPARE(PhysicalKey(Key(QEvent::KeyPress, 91, Qt::Key_Period)),
              PhysicalKey(Key(QEvent::KeyRelease, 91, Qt::Key_Delete)));
-}
-
-// Random presses and releases whose code changes while the key is down (a
-// lock or modifier toggled): a matrix fed by them is empty once all are up.
-void KeyMapTest::anySequenceEndsWithNothingHeld() {
-    std::mt19937 rng(7);
-    const int codes[] = {16, 17, 18, 65, 190, 46, 0, 106};
-    for (int round = 0; round < 200; ++round) {
-        HeldKeys held;
-        std::multiset<int> matrix; // codes down, one entry per press that set one
-        std::set<unsigned> down;
-        for (int step = 0; step < 30; ++step) {
-            const unsigned key = rng() % 6;
-            const int code = codes[rng() % std::size(codes)];
-            if (rng() % 2) {
-                if (!down.count(key)) matrix.insert(held.Press(key, code));
-                down.insert(key);
-            } else {
-                const int up = held.Release(key);
-                if (up) matrix.erase(up); // the bit goes
-                down.erase(key);
-            }
-        }
-        for (unsigned key : std::set<unsigned>(down))
-            if (const int up = held.Release(key)) matrix.erase(up);
-        QVERIFY(held.Empty());
-        QVERIFY2(std::all_of(matrix.begin(), matrix.end(), [](int c) { return c == 0; }),
-                 qPrintable(QString::number(round)));
-    }
 }
 
 void KeyMapTest::focusLossForgetsHeldKeys() {

@@ -1,7 +1,6 @@
-// The main window under the offscreen platform: the menu as the user finds
-// it, keys into the matrix, the paging calculator, the light pen, the
-// full-screen geometry, the load bar, the file dialog, pause and reset, and
-// the options that rebuild the machine.
+// The main window under the offscreen platform: keys into the matrix, the paging calculator, the
+// light pen, the full-screen geometry, the load bar, the file dialog, pause and reset, and the
+// options that rebuild the machine.
 #include <QAction>
 #include <QGroupBox>
 #include <QKeyEvent>
@@ -41,7 +40,6 @@ struct Fixture : test::WindowFixture {
 class TScreenTest : public QObject {
     Q_OBJECT
   private slots:
-    void menuEntriesStartAsTheFormDefinesThem();
     void keysReachTheMatrixUntilTheMouseLetsGo();
     void pagingCalculatorAndKeypad();
     void lightPenFollowsTheMouseOverThePicture();
@@ -51,35 +49,16 @@ class TScreenTest : public QObject {
     void optionTogglesRebuildTheMachine();
 };
 
-// Which entries are ticked and which greyed when the user starts.
-void TScreenTest::menuEntriesStartAsTheFormDefinesThem() {
-    Fixture f;
-    const QStringList ticked = {"xio2", "xScreenDIB", "xSound", "xUnDoc", "xS3"};
-    const QStringList greyed = {"xSvaMEX4", "xio0", "xdiskload", "xNoError", "xS2", "xS4", "xS5"};
-    int entries = 0;
-    for (QAction* a : f.w->findChildren<QAction*>()) {
-        if (a->objectName().isEmpty() || a->isSeparator()) continue;
-        ++entries;
-        QCOMPARE(a->isChecked(), ticked.contains(a->objectName()));
-        QCOMPARE(!a->isEnabled(), greyed.contains(a->objectName()));
-    }
-    QVERIFY(entries >= 46);
-    QCOMPARE(f.w->windowTitle(), QString("LUMEKTVC"));
-}
-
 void TScreenTest::keysReachTheMatrixUntilTheMouseLetsGo() {
     Fixture f;
     uint8_t* matrix = f.m->bus.KeyMatrix;
-    // X11 key code of a place on the Hungarian layout and its matrix bit:
-    // 0 left of 1, Z and Y swapped, the accented letters, both Shifts.
+    // X11 key code of a place on the Hungarian layout and its matrix bit
+    // (0 left of 1, Z where Y is on other layouts), or symbolic keys alone;
+    // the key map's own test walks the rest of the layout.
     const struct {
         quint32 scan;
         int qtKey, row, bit;
-    } keys[] = {{49, 0, 0, 3},        {10, 0, 0, 6},
-                {52, 0, 6, 6},        {29, 0, 2, 4},
-                {34, 0, 3, 3},        {50, 0, 6, 3},
-                {62, 0, 6, 3},        {111, 0, 8, 1},
-                {0, Qt::Key_Q, 2, 6}, {0, Qt::Key_Return, 5, 4}}; // no scan code: symbolic
+    } keys[] = {{49, 0, 0, 3}, {52, 0, 6, 6}, {0, Qt::Key_Q, 2, 6}, {0, Qt::Key_Return, 5, 4}};
     for (const auto& k : keys) {
         f.Key(QEvent::KeyPress, k.scan, k.qtKey);
         QVERIFY2(matrix[k.row] == (1 << k.bit), qPrintable(QString::number(k.scan)));
@@ -141,9 +120,9 @@ void TScreenTest::lightPenFollowsTheMouseOverThePicture() {
 // to a pixel, up to the bar's 200 pixels.
 void TScreenTest::fullScreenGeometryAndLoadBar() {
     QCOMPARE(FullScreenPictureRect(QSize(1920, 1080), QSize(648, 640)), QRect(524, 108, 872, 864));
-    QCOMPARE(FullScreenPictureRect(QSize(10, 5), QSize(648, 640)), QRect(5, 2, 0, 0));
     Fixture f;
-    for (int twips : {0, 7, 8, 22, 23, 2999, 3000, 100000}) {
+    QCOMPARE(f.w->windowTitle(), QString("LUMEKTVC"));
+    for (int twips : {22, 23, 100000}) {
         f.w->SetLoadBar(twips);
         QCOMPARE(f.w->Shape4->width(), std::min(200, int(std::lround(twips / 15.0))));
     }

@@ -39,16 +39,6 @@ TEST(Converter, NineStepsInOrder) {
 }
 // clang-format on
 
-TEST(Converter, LongBlankRunsAndNulsPass) {
-    const std::string big =
-        std::string(1 << 20, ' ') + std::string(1000, '\0') + ";c\r\n" + std::string(1 << 20, 'x');
-    const std::string out = ConvertTvcasm(big);
-    EXPECT_EQ(out.find(';'), std::string::npos);
-    // The fixed cascade leaves a run of 2^20 blanks far shorter, not single.
-    EXPECT_LT(out.find('\0'), size_t(1) << 17);
-    EXPECT_EQ(out.substr(out.size() - 1000), std::string(1000, 'x'));
-}
-
 // clang-format off
 TEST(Format, FirstFittingRuleGivesTheColour) {
     const std::pair<const char*, int32_t> cases[] = {

@@ -121,7 +121,7 @@ TEST(Monitor, BadInputPrintsAnErrorAndReturnsToThePrompt) {
     } cases[] = {
         {"FROB", "? Unknown command"},
         {"MEM 12345", "? Bad number"},
-        {"POKE 4000", "? Missing argument"},
+        {"POKE 4000 1 100", "? Bad number"},
         {"GO", "? Missing argument"},
         {"CLS 1", "? Too many arguments"},
         {"ABCDEFGHIJKLMNOPQRSTUVWXYZABCDEFGHIJKLMNOPQRSTUVWXYZABCDEFGHIJKLMNOP", "? Line too long"},

@@ -112,13 +112,11 @@ class WindowsTest : public QObject {
         QVERIFY(f.m->forms.TVCmon.Check1 && f.m->tape.Out != nullptr);
         mon->Check1->click();
         QVERIFY(!f.m->forms.TVCmon.Check1 && f.m->tape.Out == nullptr);
-        QVERIFY(fs::file_size(f.dir.path() / "save.wav") >= 44);
         QVERIFY(mon->Check3->isChecked());
         mon->Check3->click();
         QVERIFY(!f.m->forms.TVCmon.Check3);
 
-        int32_t v = 0x10;
-        PortOut(*f.m, 0x10, v);
+        Out(*f.m, 0x10, 0x10);
         mon->redraw();
         QCOMPARE(mon->List4->item(1)->text(), QString("CMD Seek: 00"));
         mon->Command1->click(); // Clear

@@ -158,8 +158,8 @@ TEST(OpcodeHelp, FlagCaptionsAndColours) {
         {'-', "unaffected", 0xFFFFFF}, {'P', "detects parity", 0xFF00},
         {'*', "exceptional", 0xFF}, {' ', "unknown", 0xFFFF}};
     for (const auto& c : cases) {
-        EXPECT_EQ(FlagCaption(c.c)->caption, c.caption);
-        EXPECT_EQ(FlagCaption(c.c)->colour, c.colour) << c.c;
+        EXPECT_EQ(FlagCaption(c.c).value().caption, c.caption);
+        EXPECT_EQ(FlagCaption(c.c).value().colour, c.colour) << c.c;
     }
     EXPECT_FALSE(FlagCaption('Q'));
 }

@@ -70,23 +70,5 @@ TEST_F(DisassembleTest, FarOutsideMemoryAddressesWrap) {
     }
 }
 
-TEST_F(DisassembleTest, AnEditedTableWithBrokenRowsNeverCrashes) {
-    const std::string broken = ">00\r\n>3E          LD A,(PC+e\r\n>06          PC+e\r\n"
-                               ">DD7E        LD A,(IX+d\r\n>01          nn n nn\r\n";
-    OpcodeTablesLoadText(tm.m(), broken, ">end of file\r\n", "\r\n");
-    const struct {
-        std::vector<uint8_t> bytes;
-        const char* text;
-    } cases[] = {{{0x00, 0x00}, ">00 Unknown!"},
-                 {{0x3E, 0x00}, "LD A,3002"},
-                 {{0x06, 0x00}, "3002"},
-                 {{0xDD, 0x7E, 0x05}, "LD A,(IX+05)"},
-                 {{0x01, 0x02, 0x03, 0x04}, "0302 04 nn"},
-                 {{0xC9}, ">C9 Unknown!"}};
-    for (const auto& c : cases)
-        EXPECT_EQ(One(0x3000, c.bytes).first, c.text);
-    OpcodeTablesLoad(tm.m());
-}
-
 } // namespace
 } // namespace tvc

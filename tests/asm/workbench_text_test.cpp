@@ -123,34 +123,6 @@ TEST_F(OpcodeHelpTest, PanelFromTheInfoTable) {
     ASSERT_TRUE(OpcodeInfo("SLL B*"));
 }
 
-TEST_F(OpcodeHelpTest, OddInfoRowsFillWhatTheyHave) {
-    OpcodeTablesLoadText(tm.m(), "", "",
-                         ">first<\r\nQ-----|1|4|Odd.>odd<\r\na|b>two<\r\n------|1|4|A.>a<\r\n"
-                         ">bare<\r\n");
-    const struct {
-        const char *row, *flags, *size, *cycles, *text;
-        bool error;
-        const char *c, *s; // captions of flags C and S
-    } cases[] = {
-        {"FIRST", "", "", "", "", false, "unknown", "unknown"},
-        {"ODD", "Q-----", "1", "4", "Odd.", true, "", "unaffected"},
-        {"TWO", "a", "b", "", "", true, "", "unknown"},
-        {"BARE", "", "", "", "", false, "unknown", "unknown"},
-    };
-    for (const auto& c : cases) {
-        const auto p = OpcodeInfo(c.row);
-        ASSERT_TRUE(p) << c.row;
-        EXPECT_EQ(p->Text8, c.flags) << c.row;
-        EXPECT_EQ(p->Text7, c.size) << c.row;
-        EXPECT_EQ(p->Text10, c.cycles) << c.row;
-        EXPECT_EQ(p->Text11, c.text) << c.row;
-        EXPECT_EQ(p->flagError, c.error) << c.row;
-        EXPECT_EQ(p->Label7[0].caption, c.c) << c.row;
-        EXPECT_EQ(p->Label7[5].caption, c.s) << c.row;
-    }
-    OpcodeTablesLoad(tm.m());
-}
-
 // One caption of each colour; the panel test reads the others.
 // clang-format off
 TEST(OpcodeHelp, FlagCaptionsAndColours) {

@@ -176,17 +176,13 @@ TEST(ComposeFrame, BorderBehindThePictureBox) {
 }
 
 // Register values a program may write must give some picture, never a
-// fault: the sanitizer build checks the accesses.
+// fault: the sanitizer build checks the accesses. The snapshot fuzz target
+// reaches the picture with any registers; these are the ends of the range.
 TEST(Redraw, HostileRegisterValuesGiveAPicture) {
     const struct {
         int r1, r2, r5, r6, r7, r12, r13;
     } cases[] = {
         {0, 0, 0, 0, 0, 0, 0},
-        {255, 0, 0, 127, 0, 63, 255},
-        {64, 75, 2, 0, 70, 0, 0},
-        {0, 75, 2, 60, 70, 0, 0},
-        {64, 255, 31, 127, 127, 63, 255},
-        {1, 83, 0, 1, 0, 63, 255},
         {80, 0, 0, 127, 0, 63, 255},
         {255, 255, 31, 127, 127, 255, 255},
         {0x1FF, 0x1234, -5, 0x7FFFFFFF, -1, -100, 0x7FFFFFFF}, // set by a tool, not a port

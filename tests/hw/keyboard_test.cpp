@@ -63,18 +63,6 @@ TEST(Keyboard, FunctionKeysOneAndTwoResetUnlessAltIsHeld) {
     EXPECT_EQ(t.m().forms.TTools.Label2, 112);
 }
 
-TEST(Keyboard, ShiftIsJustAnotherKeyAndClearingReleasesAll) {
-    TestMachine t;
-    int shift = 16, a = 'A';
-    PicdKeyDown(t.m(), shift, kShiftMask);
-    PicdKeyDown(t.m(), a, kShiftMask);
-    EXPECT_EQ(t.m().bus.KeyMatrix[6], 0x08);
-    EXPECT_EQ(t.m().bus.KeyMatrix[4], 0x40);
-    ClearKeyMatrix(t.m());
-    for (uint8_t row : t.m().bus.KeyMatrix)
-        EXPECT_EQ(row, 0);
-}
-
 // The calculator sets one field of the page register: bits 7-6 (four
 // choices), bit 5, bits 4-3 (four choices) or bit 2, leaving the others;
 // a choice out of range is held at its ends, a field out of range does nothing.

@@ -109,23 +109,6 @@ TEST(KeyEventQueue, KeysTypedInOnePauseReachTheMatrixOneFrameApart) {
     EXPECT_TRUE(q.Empty());
 }
 
-TEST(KeyEventQueue, AKeyStruckTwiceIsSeenUpBetweenThePresses) {
-    TestMachine t;
-    Machine& m = t.m();
-    KeyEventQueue q;
-    for (int i = 0; i < 2; ++i) {
-        q.Push(true, '0', 0);
-        q.Push(false, '0', 0);
-    }
-    std::string seen;
-    for (int frame = 0; frame < 8; ++frame) {
-        m.run.FrameCount = static_cast<uint64_t>(frame);
-        q.Pump(m);
-        seen += (m.bus.KeyMatrix[0] & 0x08) ? 'D' : 'u';
-    }
-    EXPECT_EQ(seen, "DDuDDuuu");
-}
-
 TEST(KeyEventQueue, CommandsComeBackAndClearingDropsEverything) {
     TestMachine t;
     Machine& m = t.m();

@@ -28,21 +28,6 @@ TEST_F(BaseExecutor, BranchTargets) {
     }
 }
 
-TEST_F(BaseExecutor, PrefixStageCostsNothingAndOpensTheNextStage) {
-    for (int prefix : {0xCB, 0xDD, 0xED, 0xFD}) {
-        tm.Load(kOrg, {static_cast<uint8_t>(prefix)});
-        cpu.RegR = 0;
-        const int32_t t0 = cpu.TStates;
-        cpu.CurOpcode = prefix;
-        cpu.xx();
-        EXPECT_EQ(cpu.PrefixState, prefix);
-        EXPECT_EQ(cpu.RegPC, kOrg + 1);
-        EXPECT_EQ(cpu.TStates, t0);
-        EXPECT_EQ(cpu.RegR, 0);
-        cpu.PrefixState = 0;
-    }
-}
-
 TEST_F(BaseExecutor, JpCarryLoopStopsTheClock) {
     cpu.FlagC = 1;
     const int32_t f0 = m.run.FrameT;

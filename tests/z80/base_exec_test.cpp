@@ -1,5 +1,5 @@
-// The base executor as a program sees it: branch targets, RegR steps, and
-// the stack and program counter run-off cases. Costs are checked table-wide in base_timing_test.cpp.
+// The base executor as a program sees it: branch targets, the stack and
+// program counter run-off cases, the exchanges and the reset state. Costs are checked table-wide in base_timing_test.cpp.
 #include "z80/CpuTest.h"
 
 namespace tvc::test {
@@ -108,30 +108,6 @@ TEST_F(BaseExecutor, CpuResetState) {
               1);
     EXPECT_EQ(c.RegPC | c.RegI | c.RegR | c.IntMode | c.IFF1 | c.IFF2 | c.Halted, 0);
     EXPECT_EQ(c.TStates, t0 + 3);
-}
-
-// RegR steps by 1 for every base instruction but the stated exceptions: RET cc
-// taken or not 2, RST 2 (RST 38H 1), IN A,(n) 3, EX (SP),HL 2, JP NZ taken 0.
-TEST_F(BaseExecutor, EveryOpcodeStepsRegRByTheRule) {
-    for (int op = 0; op < 256; ++op) {
-        if (op == 0xCB || op == 0xDD || op == 0xED || op == 0xFD)
-            continue; // whole groups elsewhere
-        for (int flags : {0x00, 0xFF}) {
-            SetUp();
-            cpu.SetFlagsByte(flags);
-            cpu.SetHL(0x9100);
-            cpu.RegB = 5;
-            Poke(0xE000, 0x34);
-            Poke(0xE001, 0x12);
-            const bool retcc = (op & 0xC7) == 0xC0, rst = (op & 0xC7) == 0xC7 && op != 0xFF;
-            const int step = retcc || rst || op == 0xE3    ? 2
-                             : op == 0xDB                  ? 3
-                             : op == 0xC2 && !(flags & fZ) ? 0
-                                                           : 1;
-            EXPECT_EQ(Run({uint8_t(op), 0x00, 0x90}).r, step)
-                << Hex({uint8_t(op)}) << " F " << flags;
-        }
-    }
 }
 
 } // namespace

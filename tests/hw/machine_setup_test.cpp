@@ -80,7 +80,6 @@ TEST(MachineInit, MissingRomOrCartridgeIsFatal) {
         const char* text;
     } cases[] = {{"TVC12_D7.rom", false, false, "", "Rom File error: "},
                  {"sndmx.rom", false, true, "", "File not found: sndmx.rom"},
-                 {"hbf.rom", true, false, "", "File not found: hbf.rom"},
                  {nullptr, false, false, "game.crt", "File not found: game.crt"}};
     for (const auto& k : cases) {
         Built b;

@@ -95,13 +95,6 @@ TEST(OpcodeTables, AMalformedRowIsReportedAtLoadWithTableAndLine) {
         EXPECT_NE(tm.host.messages[0].text.find(c.name + ", " + c.line), std::string::npos)
             << tm.host.messages[0].text;
     }
-    test::TestMachine tm;
-    OpcodeTablesLoad(tm.m());
-    EXPECT_TRUE(tm.host.messages.empty());
-    EXPECT_TRUE(tm.host.fatals.empty());
-    EXPECT_NE(OpcodeDisasmText().find(">08          EX AF,AF\u2019\r\n"), std::string::npos);
-    EXPECT_EQ(OpcodeAsmText(), assembler);
-    EXPECT_EQ(OpcodeInfoText(), info);
 }
 
 } // namespace

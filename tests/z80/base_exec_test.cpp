@@ -56,16 +56,14 @@ TEST_F(BaseExecutor, CallAndRetStepTheStackPointerWithoutWrap) {
     EXPECT_EQ(cpu.RegSP, 3);
 }
 
-TEST_F(BaseExecutor, ProgramCounterRunsPastFFFFWithoutWrapping) {
+TEST_F(BaseExecutor, ProgramCounterRunsPastFFFFAndBeyondMemoryFetchesOpenBus) {
     tm.Load(0xFFFF, {0x00});   // NOP at the top of RAM
     m.bus.Mem[0x10000] = 0x3C; // INC A, where address 65536 lands
     cpu.RegA = 1;
     tm.Step(2);
     EXPECT_EQ(cpu.RegPC, 0x10001);
     EXPECT_EQ(cpu.RegA, 2);
-}
 
-TEST_F(BaseExecutor, RunAwayBeyondMemoryFetchesOpenBus) {
     // With U3 mapped, an address is an index into Mem itself; past its end
     // the fetch sees 0xFF, RST 38H, which brings the program back.
     cpu.RegPC = 0x3C001;

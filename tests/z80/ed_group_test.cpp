@@ -125,7 +125,7 @@ TEST_F(EdGroup, AdcAndSbcHlTakeTheNewCarryIntoTheHalfCarry) {
 }
 // clang-format on
 
-TEST_F(EdGroup, LdRAThenLdARReadsBackTheValueAsItStood) {
+TEST_F(EdGroup, LdRAThenLdARReadsBackTheValueAsItStoodAndLdAICopiesIff2IntoP) {
     cpu.RegA = 0x5A;
     Run({0xED, 0x4F, 0xAF, 0xED, 0x5F}); // LD R,A; XOR A; LD A,R
     EXPECT_EQ(cpu.RegR, 0x5A);           // the write step of LD R,A is 0
@@ -133,9 +133,7 @@ TEST_F(EdGroup, LdRAThenLdARReadsBackTheValueAsItStood) {
     tm.Step();                           // LD A,R takes R before its own step of 2
     EXPECT_EQ(cpu.RegA, 0x5B);
     EXPECT_EQ(cpu.RegR, 0x5D);
-}
 
-TEST_F(EdGroup, LdAICopiesIff2IntoP) {
     for (int32_t iff2 : {0, 1}) {
         cpu.RegI = 0x80;
         cpu.IFF2 = iff2;
@@ -250,16 +248,15 @@ TEST_F(EdGroup, InReadsThePortInCAloneAndSetsFlags) {
 }
 
 // OUT (C),r hands the port the register itself: a CRTC data write masks it.
-TEST_F(EdGroup, OutGivesThePortTheRegisterItself) {
+TEST_F(EdGroup, OutGivesThePortTheRegisterItselfAndOutiOutdCountB) {
     m.crtc.CrtcReg[kCrtcSelect] = 4; // R4 keeps 7 bits
     cpu.RegC = 0x71;
     cpu.RegE = 0xFF;
     Run({0xED, 0x59}); // OUT (C),E
     EXPECT_EQ(m.crtc.CrtcReg[4], 0x7F);
     EXPECT_EQ(cpu.RegE, 0x7F);
-}
 
-TEST_F(EdGroup, OutiAndOutdSendHlAndCountB) {
+    // OUTI and OUTD send (HL) and count B.
     Poke(0x2000, 0x0A);
     Poke(0x1FFF, 0x0B);
     cpu.RegC = 0x03;

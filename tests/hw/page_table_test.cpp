@@ -59,12 +59,13 @@ TEST(PageTable, FollowsEveryChangeOfTheMap) {
         p.Both([&](Machine& m) {
             m.menu.x32KB = s.x32KB;
             m.bus.VideoErrorEnabled = s.videoError;
-            if (s.mex) {
+            MemoryMapChanged(m);
+            if (s.mex) { // the cartridge name takes effect without a rebuild
                 m.bus.SetCartName(kMexCartName);
                 m.bus.MexMem.assign(size_t(kMexPages) * kMexPageSize, 0x5A);
             }
-            MemoryMapChanged(m);
         });
+        p.Check("the setting");
         // The page register after each other latch, and each latch after it.
         for (int p2 = 0; p2 < 256; ++p2) {
             p.Out(2, p2);
@@ -83,16 +84,6 @@ TEST(PageTable, FollowsEveryChangeOfTheMap) {
         p.Both([](Machine& m) { MachineInit(m); });
         p.Check("init");
     }
-}
-
-TEST(PageTable, CartridgeNameTakesEffectAtOnce) {
-    Pair p;
-    p.Out(2, 0x08); // the cartridge at 0 and at 0xC000
-    p.Both([](Machine& m) {
-        m.bus.SetCartName(kMexCartName);
-        m.bus.MexMem.assign(size_t(kMexPages) * kMexPageSize, 0x5A);
-    });
-    p.Check("MEX4MB without a rebuild");
 }
 
 } // namespace

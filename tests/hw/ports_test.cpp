@@ -87,7 +87,7 @@ TEST(PortWrites, OutOfARegisterToTheCrtcSelectMasksTheRegister) {
     EXPECT_EQ(t.cpu().RegA, 0x0E);
 }
 
-TEST(PortWrites, Port6StampsTheLevelIntoThisMomentsSlot) {
+TEST(PortWrites, Port6StampsTheLevelIntoThisMomentsSlotOrStrobesThePrinter) {
     struct Case {
         int32_t frameT;
         int value, slot, stamp;
@@ -103,9 +103,7 @@ TEST(PortWrites, Port6StampsTheLevelIntoThisMomentsSlot) {
         EXPECT_EQ(t.m().sound.ToneSlots[k.slot], k.stamp) << k.frameT;
         EXPECT_EQ(t.m().bus.PortLatch[0x59] & 0x80, 0x80); // bit 7 set: no strobe
     }
-}
-
-TEST(PortWrites, Port6StrobeMarksThePrinterBusy) {
+    // Bit 7 clear is the printer strobe: the status shows the printer busy.
     TestMachine t;
     t.m().bus.PortLatch[0x59] = 0xFF;
     Out(t.m(), 0x06, 0x00);

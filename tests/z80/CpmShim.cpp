@@ -68,12 +68,7 @@ std::string CpmShim::Load(Machine& m, const char* path) {
     // LD SP,HL; LD DE,msg; LD C,9; CALL bdos; LD HL,table.
     const int32_t start = Word(m, kLoadAddress + 1);
     if (image[0] != 0xC3 || MemRead(m, start + 12) != 0x21) return "no test table found";
-    const int32_t table = table_ = Word(m, start + 13);
-    groups_ = 0;
-    while (Word(m, table + 2 * groups_) != 0)
-        ++groups_;
-    std::printf("exerciser test table at %04X: %d groups\n", unsigned(table), int(groups_));
-    std::fflush(stdout);
+    table_ = Word(m, start + 13);
     m.cpu.RegPC = kLoadAddress;
     return {};
 }

@@ -32,8 +32,6 @@ class CpmShim {
     static constexpr const char* kMissing = "not found";
     std::string Load(Machine& m, const char* path);
 
-    // The number of groups in the exerciser's test table.
-    int32_t Groups() const { return groups_; }
     // The address of that table: a run of words pointing at descriptors.
     int32_t Table() const { return table_; }
 
@@ -50,7 +48,6 @@ class CpmShim {
 
   private:
     bool Serve(Machine& m, int32_t pc, int maxGroups);
-    int32_t groups_ = 0;
     int32_t table_ = -1;
     bool ended_ = false;
 };

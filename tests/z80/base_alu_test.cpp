@@ -59,27 +59,6 @@ TEST(AluHelpers, FlagsFollowTheRulesForEveryOperand) {
                 }
 }
 
-// ADD HL: H from bit 11, C from bit 15, N cleared; S, Z and P stay.
-TEST(AluHelpers, AddHLKeepsSZPAndSetsHalfCarryFromBit11) {
-    TestMachine t;
-    Z80& c = t.cpu();
-    for (int hl : {0x0000, 0x0FFF, 0x7FFF, 0x8000, 0xFFFF, 0x1234})
-        for (int v : {0x0001, 0x0FFF, 0x8000, 0x1111}) {
-            c.SetHL(hl);
-            c.SetFlagsByte(0xC6);
-            c.AddHL(v);
-            EXPECT_EQ(c.HL(), (hl + v) & 0xFFFF);
-            EXPECT_EQ(c.FlagsByte(),
-                      0xC4 | (((hl ^ v ^ (hl + v)) >> 8) & 0x10) | (hl + v > 0xFFFF));
-        }
-}
-
-} // namespace
-} // namespace tvc::test
-
-namespace tvc::test {
-namespace {
-
 // CPL, SCF and CCF over every value of A and every flag byte (the exerciser
 // runs them only in its long group): CPL sets H and N; SCF sets C and clears
 // H and N; CCF moves C into H, clears N and inverts C. S, Z, P, X and Y stay.

@@ -1,5 +1,6 @@
-// The cost of every unprefixed opcode, both ways for the conditional ones,
-// against the published Z80 timing with this machine's stated differences.
+// The cost and RegR step of every unprefixed opcode, both ways for the
+// conditional ones, against the published Z80 timing with this machine's
+// stated differences.
 #include <gtest/gtest.h>
 
 #include "z80/CpuTest.h"
@@ -58,6 +59,14 @@ int Expected(int op, bool taken) {
     return t;
 }
 
+// RegR steps by 1 for every base instruction but these: RET cc taken or not
+// 2, RST 2 (RST 38H 1), IN A,(n) 3, EX (SP),HL 2, JP NZ taken 0.
+int RStep(int op, bool zero) {
+    if ((op & 0xC7) == 0xC0 || ((op & 0xC7) == 0xC7 && op != 0xFF) || op == 0xE3) return 2;
+    if (op == 0xDB) return 3;
+    return op == 0xC2 && !zero ? 0 : 1;
+}
+
 // Whether the condition of a conditional row holds with all flags clear.
 bool TakenWithFlagsClear(int op) {
     if (op == 0x10) return true; // DJNZ, with RegB 5 here and 1 with the flags set
@@ -81,6 +90,7 @@ TEST_F(BaseTiming, EveryOpcodeBothWays) {
             const Cost c = Run({static_cast<uint8_t>(op), 0x00, 0x90});
             EXPECT_EQ(c.t, Expected(op, taken))
                 << "opcode " << Hex({static_cast<uint8_t>(op)}) << (taken ? " taken" : "");
+            EXPECT_EQ(c.r, RStep(op, flags & fZ)) << "opcode " << Hex({static_cast<uint8_t>(op)});
         }
     }
 }

@@ -123,15 +123,6 @@ TEST_F(Interrupts, PortSevenAcknowledges) {
     tm.Step();
     EXPECT_EQ(cpu.IrqRequest, 0);
     EXPECT_EQ(m.bus.PortLatch[0x59] & 0x10, 0x10);
-
-    // With interrupts enabled and a card line still pending, the request is
-    // raised again by the end of the same pass.
-    cpu.IFF1 = 1;
-    m.bus.PortLatch[0x59] &= ~0x02;
-    cpu.IrqRequest = 1;
-    cpu.IntMode = 1;
-    tm.Step();
-    EXPECT_EQ(cpu.IrqRequest, 1);
 }
 
 } // namespace

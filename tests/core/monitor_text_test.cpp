@@ -31,10 +31,8 @@ std::vector<std::string> Rows(const std::string& text) {
 TEST(MonitorText, CharacterColumnMap) {
     const struct {
         int code, font;
-    } cases[] = {{0x00, '.'},  {0x1F, '.'},  {0x20, ' '},  {0x41, 'A'},  {0x7E, '~'},  {0x7F, 0xDB},
-                 {0x80, 0xB5}, {0x81, 0x90}, {0x82, 0x92}, {0x85, 0x8A}, {0x88, 0xEB}, {0x89, 0xDA},
-                 {0x8B, 0xB3}, {0x8E, 0xC5}, {0x90, 0xA0}, {0x95, 0x8B}, {0x98, 0xFB}, {0x9B, 0xC4},
-                 {0x9F, 0xE6}, {0xA0, '.'},  {0xFF, '.'}};
+    } cases[] = {{0x1F, '.'},  {0x20, ' '},  {0x7E, '~'},  {0x7F, 0xDB},
+                 {0x85, 0x8A}, {0x9F, 0xE6}, {0xA0, '.'}};
     for (const auto& k : cases)
         EXPECT_EQ(MonitorFontCode(k.code), k.font) << k.code;
     for (int code = 0; code < 256; ++code)
@@ -69,11 +67,8 @@ TEST(MonitorText, ClockAndSpeedFigures) {
         int64_t totalT;
         const char* text;
         int64_t ms;
-    } clocks[] = {{0, 0, "0.0000", 0},
-                  {3124, 0, "3124.0000", 0},
-                  {3125, 0, "3125.0000", 1},
-                  {100, frame, "62600.0000", 20},
-                  {0, 5 * frame + 1234, "312500.1234", 100}};
+    } clocks[] = {{3124, 0, "3124.0000", 0}, {3125, 0, "3125.0000", 1},
+                  {100, 5 * frame + 1234, "312600.1234", 100}};
     for (const auto& k : clocks) {
         EXPECT_EQ(ClockText(k.tstates, k.totalT), k.text);
         EXPECT_EQ(EmulatedMs(k.tstates, k.totalT), k.ms) << k.text;
@@ -81,9 +76,7 @@ TEST(MonitorText, ClockAndSpeedFigures) {
     const struct {
         int64_t delta, us;
         const char* mhz;
-    } speeds[] = {{50 * frame, 1000000, "3.125"}, {100 * frame, 1000000, "6.250"},
-                  {frame, 40000, "1.562"},        {0, 1000000, "0.000"},
-                  {-frame, 1000000, "0.000"},     {frame, 0, "0.000"}};
+    } speeds[] = {{frame, 40000, "1.562"}, {-frame, 1000000, "0.000"}, {frame, 0, "0.000"}};
     for (const auto& k : speeds)
         EXPECT_EQ(SpeedFigure(k.delta, k.us), k.mhz) << k.delta;
 }
@@ -142,10 +135,7 @@ TEST(HwMonitorSlots, CardNamesFollowTheIdentificationByte) {
         const char* slot1;
     };
     // 255: all "Empty"; xio0 clears bit 0 (254: slot 0 "Floppy"); xio1 ands 243.
-    for (const Case& k : {Case{false, false, "Empty", "Empty"},
-                          {true, false, "Floppy", "Empty"},
-                          {false, true, "Empty", "RS232"},
-                          {true, true, "Floppy", "RS232"}}) {
+    for (const Case& k : {Case{false, false, "Empty", "Empty"}, {true, true, "Floppy", "RS232"}}) {
         TestMachine t;
         t.m().menu.xio0 = k.io0;
         t.m().menu.xio1 = k.io1;

@@ -11,7 +11,6 @@
 #include <fcntl.h>
 #include <fstream>
 #include <signal.h>
-#include <spawn.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -20,8 +19,6 @@
 #include "links/AudioPlayer.h"
 #include "sound/SoundFX.h"
 #include "support/TestMachine.h"
-
-extern char** environ;
 
 namespace tvc::test {
 namespace {
@@ -198,8 +195,8 @@ using Clock = std::chrono::steady_clock;
 struct Player : ::testing::Test {
     std::unique_ptr<ScratchDir> dir;
     MMapper samples, handshake;
-    pid_t pid = -1;
-    uint8_t served = 0; // the fill of the next unit
+    AudioCompanion player; // ends the player with the test
+    uint8_t served = 0;    // the fill of the next unit
 
     void SetUp() override {
         TagSharedMemory("sp");
@@ -207,30 +204,17 @@ struct Player : ::testing::Test {
         ASSERT_TRUE(samples.CreateMap(kSampleMapName, kAudioUnitBytes));
         ASSERT_TRUE(handshake.CreateMap(kHandshakeMapName, 1));
     }
-    void TearDown() override { Stop(); }
-
+    // Starts the player with its stderr in stderr.txt.
     void Start(const std::string& driver, std::vector<std::string> args = {}) {
         setenv("SDL_AUDIODRIVER", driver.c_str(), 1);
-        std::vector<std::string> all = {TVC_SNDPIPE_BIN};
-        all.insert(all.end(), args.begin(), args.end());
-        std::vector<char*> argv;
-        for (auto& a : all)
-            argv.push_back(a.data());
-        argv.push_back(nullptr);
-        posix_spawn_file_actions_t fa;
-        posix_spawn_file_actions_init(&fa);
-        const std::string log = (dir->path() / "stderr.txt").string();
-        posix_spawn_file_actions_addopen(&fa, 2, log.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-        ASSERT_EQ(posix_spawn(&pid, TVC_SNDPIPE_BIN, &fa, nullptr, argv.data(), environ), 0);
-        posix_spawn_file_actions_destroy(&fa);
+        const int saved = dup(2), log = open((dir->path() / "stderr.txt").c_str(),
+                                              O_WRONLY | O_CREAT | O_TRUNC, 0600);
+        dup2(log, 2);
+        const bool started = player.Start(TVC_SNDPIPE_BIN, args);
+        dup2(saved, 2);
+        close(saved), close(log);
         unsetenv("SDL_AUDIODRIVER");
-    }
-    void Stop() {
-        if (pid > 0) {
-            kill(pid, SIGTERM);
-            waitpid(pid, nullptr, 0);
-            pid = -1;
-        }
+        ASSERT_TRUE(started);
     }
     // Plays the emulator: delivers a unit whenever the player asks.
     int Serve(std::chrono::milliseconds span, uint8_t fill = 128) {
@@ -273,7 +257,7 @@ TEST_F(Player, PlaysWithOrWithoutADeviceRecordsAndReports) {
             units += Serve(std::chrono::milliseconds(50));
         EXPECT_EQ(units, 3) << driver;
         std::this_thread::sleep_for(std::chrono::milliseconds(50));
-        Stop();
+        player.Stop();
         EXPECT_NE(Stderr().find("sndpipe: units "), std::string::npos) << Stderr();
         std::ifstream in(wav, std::ios::binary);
         std::vector<uint8_t> data((std::istreambuf_iterator<char>(in)), {});
@@ -295,16 +279,17 @@ TEST_F(Player, EndsWithItsEmulator) {
     const pid_t middle = fork();
     if (middle == 0) {
         Start("dummy");
+        const pid_t pid = player.Pid();
         [[maybe_unused]] ssize_t n = write(fds[1], &pid, sizeof pid);
         _exit(0);
     }
-    pid_t player = -1;
-    ASSERT_EQ(read(fds[0], &player, sizeof player), ssize_t(sizeof player));
+    pid_t pid = -1;
+    ASSERT_EQ(read(fds[0], &pid, sizeof pid), ssize_t(sizeof pid));
     waitpid(middle, nullptr, 0);
     bool gone = false;
     for (int i = 0; i < 150 && !gone; ++i) {
         std::this_thread::sleep_for(std::chrono::milliseconds(20));
-        gone = kill(player, 0) != 0;
+        gone = kill(pid, 0) != 0;
     }
     EXPECT_TRUE(gone);
     close(fds[0]);

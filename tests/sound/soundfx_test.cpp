@@ -201,7 +201,12 @@ TEST_F(Link, MaxPaceNeitherWaitsNorDelivers) {
     EXPECT_EQ(tapped, kAudioUnitBytes);
 }
 
+// Without its template the button stays idle; with it the latest unit is kept.
 TEST_F(Link, RecordButtonKeepsTheLatestUnitBehindTheTemplatesHeader) {
+    SaaRecordButton(*m);
+    EXPECT_EQ(m->forms.Fsaa.Command1Color, 0xFFFFFF);
+    ASSERT_EQ(host.messages.size(), 1u);
+    EXPECT_EQ(host.messages[0].text, "File not found: techno.wav");
     std::vector<uint8_t> techno(44 + 10000, 0x55);
     dir->Write("techno.wav", techno);
     SaaRecordButton(*m);
@@ -223,13 +228,6 @@ TEST_F(Link, RecordButtonKeepsTheLatestUnitBehindTheTemplatesHeader) {
     EXPECT_EQ(rec[44 + 4410], 0x55);
     EXPECT_TRUE(std::filesystem::exists(dir->path() / "saa.dat"));
     EXPECT_EQ(std::filesystem::file_size(dir->path() / "saa.dat"), 0u);
-}
-
-TEST_F(Link, RecordButtonWithoutTemplateStaysIdle) {
-    SaaRecordButton(*m);
-    EXPECT_EQ(m->forms.Fsaa.Command1Color, 0xFFFFFF);
-    ASSERT_EQ(host.messages.size(), 1u);
-    EXPECT_EQ(host.messages[0].text, "File not found: techno.wav");
 }
 
 } // namespace

@@ -171,7 +171,6 @@ TEST(Sid, ChipAndPanelFilters) {
         int scroll, voices;
         std::vector<int> want; // the first samples of 240 or 720
     } cases[] = {{true, false, false, 50, 1, {120, 60, 30, 15}},
-                 {true, false, false, 0, 1, {240, 240, 240}},
                  {false, true, false, 50, 1, {120, 180, 210, 225}},
                  {false, true, false, 100, 3, {328, 328}},
                  {false, false, true, 50, 1, {0, 240, 240}},

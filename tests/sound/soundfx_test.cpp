@@ -57,7 +57,6 @@ TEST(Mix, WeightsAndEightBitWrap) {
         int16_t tone, saaL, saaR, sn, ym, ym2, sid, ay;
         uint8_t left, right;
     } cases[] = {
-        {0, 0, 0, 0, 0, 0, 0, 0, 128, 128},
         {100, 0, 0, 0, 0, 0, 0, 0, 178, 178},       // tone at half weight
         {0, 20, -20, 0, 0, 0, 0, 0, 148, 108},      // only the SAA1099 is stereo
         {0, 0, 0, 100, 0, 0, 0, 0, 138, 138},       // SN76489 at a tenth

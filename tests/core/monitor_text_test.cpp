@@ -1,7 +1,4 @@
-// The monitors' text: the character column, the port dump's rows at both
-// ends, the clock and speed figures, the trace block, "Load Bin" into the
-// flat memory; the hardware monitor's slot captions, paging lights and
-// captions for any latch or memory value.
+// The monitors' text and the hardware monitor's fields.
 #include <gtest/gtest.h>
 
 #include <fstream>

@@ -1,5 +1,4 @@
-// The run loop around the instructions: tone timer, cursor interrupt, frame
-// work, breakpoint, the list of last addresses and leaving the loop.
+// The run loop around the instructions.
 #include <gtest/gtest.h>
 
 #include "core/RunLoop.h"

@@ -1,5 +1,4 @@
-// The shared maps: their error texts in the order the tests are made, and
-// data crossing between two views of one map.
+// The shared maps.
 #include <gtest/gtest.h>
 
 #include <unistd.h>

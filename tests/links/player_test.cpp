@@ -1,8 +1,5 @@
-// The audio player. Its pace and the emulator's stand-in on a clock the test
-// turns: a device that drains at its own rate, an emulator that answers at
-// once, a player that stops answering. Then the real player against an
-// emulator side played by the test: with the dummy driver or none, --wav,
-// and ending with its emulator.
+// The audio player: its pace and the stand-in on a clock the test turns,
+// then the real sndpipe against an emulator side played by the test.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -179,7 +176,6 @@ TEST_F(Maps, StandInCoversAStoppedPlayerAndHandsBack) {
     EXPECT_EQ(Byte(), kHandshakeAsk);
 }
 
-// A stopped player is ended all the same.
 TEST(AudioCompanionStop, EndsAStoppedPlayer) {
     AudioCompanion companion;
     ASSERT_TRUE(companion.Start("/bin/sleep", {"60"}));

@@ -1,6 +1,5 @@
-// The serial card's ports and its pump over the shared record, with the test
-// playing the bridge's side of the record; the printer's code table and the
-// bound on the text it holds (the strobe is in the port tests).
+// The serial card and its pump, the test playing the bridge's side of the
+// record; the printer (its strobe is in the port tests).
 #include <gtest/gtest.h>
 
 #include <fcntl.h>

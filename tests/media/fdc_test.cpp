@@ -1,5 +1,4 @@
-// The floppy controller through its ports, and disk images with their boot
-// record: register effects, the log, the data read and the loader's bounds.
+// The floppy controller through its ports, and disk images with their boot record.
 #include <gtest/gtest.h>
 
 #include "asm/TextLib.h"

@@ -1,6 +1,4 @@
-// CAS files, snapshots and cartridges: their layouts as bytes, and what
-// loading does to the machine. The tape: samples from the input file, edges
-// into "save.wav", the wave headers, and conversion of a 16-bit stereo file.
+// CAS files, snapshots, cartridges and the tape files.
 #include <gtest/gtest.h>
 #include <sndfile.h>
 

@@ -1,6 +1,4 @@
-// The sound card's chips from outside: the panel controls by name and from
-// the command line, the direct log and dumps from it, the "Manual"
-// ticks' writes, note keys, the pictures' points and the editors' boxes.
+// The sound card's chips from outside: the panel controls and the command line.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -218,7 +216,6 @@ TEST(ChipPanels, PicturesScaleTheLastBlock) {
     }
 }
 
-// The YM3812 editor's registers as the panel packs its sliders.
 TEST(ChipPanels, YmEditorPacksTheInstrument) {
     FYM3812Controls c;
     int* s = c.HScroll1;

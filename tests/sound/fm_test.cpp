@@ -1,7 +1,4 @@
-// The two FM chips. The YM3812: the two-operator render against the stated
-// rule, the key sum, muting and the connection bit, and the direct output.
-// The YM2413: the latch mask, the stepped three-level sine at the programmed
-// pitch and volume, keys, boxes and the panel's names.
+// The two FM chips, the YM3812 and the YM2413, through their ports.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -159,7 +156,6 @@ TEST(Ym3812, DirectOutput) {
     }
 }
 
-// The panel's keys and its reset button go out through the ports too.
 TEST(ChipPanels, YmKeyboardAndResetGoThroughThePorts) {
     TestMachine t;
     Machine& m = t.m();

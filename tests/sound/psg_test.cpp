@@ -1,7 +1,4 @@
-// The square-wave generators. The AY-3-8910: decode and masks, the envelope
-// shapes and their restarts, mixing. The SN76489: its byte protocol, noise
-// frequencies, the periodic noise's replay. Then the pitch and level of the
-// AY's, the SN's and the machine's own squares.
+// The square-wave generators: the AY-3-8910, the SN76489 and the machine's own.
 #include <gtest/gtest.h>
 
 #include <algorithm>

@@ -1,5 +1,4 @@
-// The SID: ports and decode, envelope timing, waveforms, sync and ring, the
-// chip and panel filters, the sweep, and dump playback from SIDX and DMP.
+// The SID through its ports, its panel and its dump files.
 #include <gtest/gtest.h>
 
 #include <algorithm>

@@ -1,6 +1,5 @@
-// The machine's tone generator, the level line, the mix and the wave image;
-// delivery of the units to the player over real shared maps, the test
-// playing the player's side from inside the emulator's waits (the host's Sleep).
+// The tone generator, the mix, and delivery to the player over real shared
+// maps, the test playing the player's side from inside the emulator's waits.
 #include <gtest/gtest.h>
 #include <sndfile.h>
 

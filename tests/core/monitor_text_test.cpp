@@ -28,7 +28,7 @@ std::vector<std::string> Rows(const std::string& text) {
 TEST(MonitorText, CharacterColumnMap) {
     const struct {
         int code, font;
-    } cases[] = {{0x1F, '.'},  {0x20, ' '},  {0x7E, '~'},  {0x7F, 0xDB},
+    } cases[] = {{0x1F, '.'},  {0x20, ' '},  {0x7E, '~'}, {0x7F, 0xDB},
                  {0x85, 0x8A}, {0x9F, 0xE6}, {0xA0, '.'}};
     for (const auto& k : cases)
         EXPECT_EQ(MonitorFontCode(k.code), k.font) << k.code;
@@ -64,7 +64,8 @@ TEST(MonitorText, ClockAndSpeedFigures) {
         int64_t totalT;
         const char* text;
         int64_t ms;
-    } clocks[] = {{3124, 0, "3124.0000", 0}, {3125, 0, "3125.0000", 1},
+    } clocks[] = {{3124, 0, "3124.0000", 0},
+                  {3125, 0, "3125.0000", 1},
                   {100, 5 * frame + 1234, "312600.1234", 100}};
     for (const auto& k : clocks) {
         EXPECT_EQ(ClockText(k.tstates, k.totalT), k.text);

@@ -204,7 +204,7 @@ struct Player : ::testing::Test {
     void Start(const std::string& driver, std::vector<std::string> args = {}) {
         setenv("SDL_AUDIODRIVER", driver.c_str(), 1);
         const int saved = dup(2), log = open((dir->path() / "stderr.txt").c_str(),
-                                              O_WRONLY | O_CREAT | O_TRUNC, 0600);
+                                             O_WRONLY | O_CREAT | O_TRUNC, 0600);
         dup2(log, 2);
         const bool started = player.Start(TVC_SNDPIPE_BIN, args);
         dup2(saved, 2);

@@ -274,8 +274,11 @@ TEST(TapeOutput, RunLengthsAndWrap) {
         int32_t last, now, samples; // samples 0: a pause, nothing written
     };
     const auto runOf = [](int32_t d) { return int32_t(RoundHalfEven(d / 80.0)) + 1; };
-    const Case cases[] = {{1000, 1120, runOf(120)}, {0, 62000, runOf(62000)}, {0, 62001, 0},
-                          {62000, 100, runOf(600)}, {40000, 39999, 0}};
+    const Case cases[] = {{1000, 1120, runOf(120)},
+                          {0, 62000, runOf(62000)},
+                          {0, 62001, 0},
+                          {62000, 100, runOf(600)},
+                          {40000, 39999, 0}};
     for (const Case& c : cases) {
         TestMachine t;
         TapeRecord(t.m(), true);

@@ -257,8 +257,11 @@ TEST(ChipPanels, SidBoxTakesHomeMachineAddresses) {
     const struct {
         const char *address, *value;
         int reg, byte;
-    } rows[] = {{"54296", "15", 24, 15}, {"54276", " 65x", 4, 65}, {"54000", "300", 0, 255},
-                {"99999", "-4", 255, 0}, {"abc", "", 0, 0}};
+    } rows[] = {{"54296", "15", 24, 15},
+                {"54276", " 65x", 4, 65},
+                {"54000", "300", 0, 255},
+                {"99999", "-4", 255, 0},
+                {"abc", "", 0, 0}};
     for (const auto& r : rows) {
         FSIDControls c;
         c.Text2 = r.address, c.Text3 = r.value;

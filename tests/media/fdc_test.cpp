@@ -198,7 +198,6 @@ TEST(DiskImages, SizesAndReloads) {
     };
     for (const Case& k : {Case{0, DiskLoadResult::Empty},
                           {1000, DiskLoadResult::Loaded},
-                          {size_t(kDiskImageBytes), DiskLoadResult::Loaded},
                           {400000, DiskLoadResult::Loaded}}) {
         TestMachine t;
         Machine& m = t.m();

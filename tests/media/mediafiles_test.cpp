@@ -213,10 +213,9 @@ TEST(Cartridge, ImagesAndTheExpansion) {
 }
 
 std::vector<uint8_t> Wave(std::vector<uint8_t> samples, uint8_t levelByte = 0) {
-    std::vector<uint8_t> f(44, 0);
-    f[43] = levelByte;
-    f.insert(f.end(), samples.begin(), samples.end());
-    return f;
+    samples.insert(samples.begin(), 44, 0); // the header, its last byte the level
+    samples[43] = levelByte;
+    return samples;
 }
 
 uint32_t Le32(const std::string& s, size_t at) {

@@ -188,17 +188,14 @@ TEST(AudioCompanionStop, EndsAStoppedPlayer) {
 
 using Clock = std::chrono::steady_clock;
 
-struct Player : ::testing::Test {
+struct Player : Maps {
     std::unique_ptr<ScratchDir> dir;
-    MMapper samples, handshake;
     AudioCompanion player; // ends the player with the test
     uint8_t served = 0;    // the fill of the next unit
 
     void SetUp() override {
-        TagSharedMemory("sp");
+        Maps::SetUp();
         dir = std::make_unique<ScratchDir>();
-        ASSERT_TRUE(samples.CreateMap(kSampleMapName, kAudioUnitBytes));
-        ASSERT_TRUE(handshake.CreateMap(kHandshakeMapName, 1));
     }
     // Starts the player with its stderr in stderr.txt.
     void Start(const std::string& driver, std::vector<std::string> args = {}) {
@@ -213,24 +210,18 @@ struct Player : ::testing::Test {
         ASSERT_TRUE(started);
     }
     // Plays the emulator: delivers a unit whenever the player asks.
-    int Serve(std::chrono::milliseconds span, uint8_t fill = 128) {
-        int delivered = 0;
-        const auto end = Clock::now() + span;
-        if (served == 0) served = fill;
+    int Serve(milliseconds span) {
+        const uint32_t before = deliveries;
         std::vector<uint8_t> unit(kAudioUnitBytes);
-        while (Clock::now() < end) {
-            uint8_t b = 0;
-            handshake.ReadMap(&b, 1);
-            if (b == kHandshakeAsk) {
+        for (const auto end = Clock::now() + span; Clock::now() < end;) {
+            if (Byte() == kHandshakeAsk) {
                 std::fill(unit.begin(), unit.end(), served++);
                 samples.WriteMap(unit.data(), kAudioUnitBytes);
-                const uint8_t two = kHandshakeDelivered;
-                handshake.WriteMap(&two, 1);
-                ++delivered;
+                Answer();
             }
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+            std::this_thread::sleep_for(1ms);
         }
-        return delivered;
+        return int(deliveries - before);
     }
     std::string Stderr() {
         std::ifstream in(dir->path() / "stderr.txt");
@@ -244,15 +235,14 @@ struct Player : ::testing::Test {
 TEST_F(Player, PlaysWithOrWithoutADeviceRecordsAndReports) {
     const std::string wav = (dir->path() / "played.wav").string();
     for (const char* driver : {"dummy", "no-such-driver"}) {
-        const uint8_t idle = kHandshakeIdle;
-        handshake.WriteMap(&idle, 1);
+        Set(kHandshakeIdle);
         served = 10;
         Start(driver, {"--stats", "--wav", wav});
         int units = 0;
         for (int i = 0; i < 200 && units < 3; ++i) // however slowly the player starts
-            units += Serve(std::chrono::milliseconds(50));
+            units += Serve(50ms);
         EXPECT_EQ(units, 3) << driver;
-        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        std::this_thread::sleep_for(50ms);
         player.Stop();
         EXPECT_NE(Stderr().find("sndpipe: units "), std::string::npos) << Stderr();
         std::ifstream in(wav, std::ios::binary);
@@ -284,7 +274,7 @@ TEST_F(Player, EndsWithItsEmulator) {
     waitpid(middle, nullptr, 0);
     bool gone = false;
     for (int i = 0; i < 150 && !gone; ++i) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        std::this_thread::sleep_for(20ms);
         gone = kill(pid, 0) != 0;
     }
     EXPECT_TRUE(gone);

@@ -38,7 +38,7 @@ TEST(MonitorText, CharacterColumnMap) {
         EXPECT_EQ(Cp852Char(uint8_t(b)), CodepageChar("CP852", uint8_t(b))) << b;
 }
 
-TEST(MonitorText, PortDumpReadsTheLatches) {
+TEST(MonitorText, PortDumpAndTraceBlock) {
     TestMachine t;
     for (int p = 0; p < 256; ++p)
         t.m().bus.PortLatch[p] = static_cast<uint8_t>(p ^ 0x5A);
@@ -55,6 +55,19 @@ TEST(MonitorText, PortDumpReadsTheLatches) {
         EXPECT_EQ(rows[0], k.first);
         EXPECT_EQ(rows[0].size() + 16, kPortHeading.size());
     }
+
+    // The trace block packs the flags its own way.
+    Z80& c = t.cpu();
+    c.RegA = 0x12, c.RegB = 0x34, c.RegC = 0x56, c.RegD = 0x78, c.RegE = 0x9A;
+    c.RegH = 0xBC, c.RegL = 0xDE, c.RegIX = 0x1111, c.RegIY = 0x2222, c.RegSP = 0xFFF0;
+    c.RegI = 0x3F;
+    c.FlagS = 1, c.FlagZ = 0, c.FlagY = 1, c.FlagH = 1, c.FlagX = 1, c.FlagP = 0, c.FlagN = 1;
+    c.FlagC = 0;
+    EXPECT_EQ(TraceFlagByte(c), 0x49);
+    EXPECT_EQ(TraceBlock(c), "AF:1249,BC:3456,DE:789A,HL:BCDE|SZ-H-PNC\n"
+                             "                                10x1x010\n"
+                             "IX:1111,IY:2222,SP:FFF0,    I:3F\n"
+                             "----------------------------------------");
 }
 
 TEST(MonitorText, ClockAndSpeedFigures) {
@@ -77,21 +90,6 @@ TEST(MonitorText, ClockAndSpeedFigures) {
     } speeds[] = {{frame, 40000, "1.562"}, {-frame, 1000000, "0.000"}, {frame, 0, "0.000"}};
     for (const auto& k : speeds)
         EXPECT_EQ(SpeedFigure(k.delta, k.us), k.mhz) << k.delta;
-}
-
-TEST(MonitorText, TraceBlockPacksTheFlagsItsOwnWay) {
-    TestMachine t;
-    Z80& c = t.cpu();
-    c.RegA = 0x12, c.RegB = 0x34, c.RegC = 0x56, c.RegD = 0x78, c.RegE = 0x9A;
-    c.RegH = 0xBC, c.RegL = 0xDE, c.RegIX = 0x1111, c.RegIY = 0x2222, c.RegSP = 0xFFF0;
-    c.RegI = 0x3F;
-    c.FlagS = 1, c.FlagZ = 0, c.FlagY = 1, c.FlagH = 1, c.FlagX = 1, c.FlagP = 0, c.FlagN = 1;
-    c.FlagC = 0;
-    EXPECT_EQ(TraceFlagByte(c), 0x49);
-    EXPECT_EQ(TraceBlock(c), "AF:1249,BC:3456,DE:789A,HL:BCDE|SZ-H-PNC\n"
-                             "                                10x1x010\n"
-                             "IX:1111,IY:2222,SP:FFF0,    I:3F\n"
-                             "----------------------------------------");
 }
 
 TEST(MonitorOps, LoadBinFillsTheFlatMemoryUpTo64K) {

@@ -174,12 +174,8 @@ TEST(FdcData, WritesChangeNoDataAndEmptyDrivesReadZero) {
     EXPECT_EQ(m.fdc.FdcData, 599 & 255);
     Out(m, 0x14, 0x04); // drive 2: never loaded
     EXPECT_EQ(PortIn(m, 0x13), 0);
-}
 
-TEST(FdcInitKeepsImage, ClearsRegistersOnly) {
-    TestMachine t;
-    Machine& m = t.m();
-    Mount(t, Pattern(2048));
+    // FdcInit clears the registers and keeps the image.
     Out(m, 0x14, 0xF2);
     Out(m, 0x11, 5);
     Out(m, 0x10, 0x1B);

@@ -109,7 +109,7 @@ TEST_F(Pump, HandsOverAtMost255BytesWhenTheTransmitCountIsClear) {
     EXPECT_EQ(tm->host.messages.size(), 1u);
 }
 
-TEST_F(Pump, TakesReceivedBytesUnlessSerialRxIsFull) {
+TEST_F(Pump, TakesReceivedBytesUnlessFullAndLeavesTheRest) {
     Put(kSerialRxBuf, "hello");
     Count(kSerialRxCount, 5);
     m().serial.SerialRx.assign(3, 'a');
@@ -130,9 +130,8 @@ TEST_F(Pump, TakesReceivedBytesUnlessSerialRxIsFull) {
     Read();
     EXPECT_EQ(rec[kSerialRxCount], 0);
     EXPECT_EQ(m().serial.SerialRx.size(), kSerialHold + 4);
-}
 
-TEST_F(Pump, LeavesTheBridgesBytesAlone) {
+    // With nothing counted, the bridge's bytes are left alone.
     Put(kSerialRxBuf, "bridge");
     Put(kSerialPtyName, std::string("/dev/pts/7\0", 11));
     m().serial.SerialTx = "out";
@@ -140,10 +139,10 @@ TEST_F(Pump, LeavesTheBridgesBytesAlone) {
     Read();
     EXPECT_EQ(std::string(rec, rec + 6), "bridge");
     EXPECT_EQ(SerialPtyName(m()), "/dev/pts/7");
-}
 
-TEST_F(Pump, WithoutABridgeTheLineDropsWhatIsSent) {
+    // Without a bridge the line drops what is sent.
     flock(lock, LOCK_UN);
+    Count(kSerialTxCount, 0);
     m().serial.SerialTx = "lost";
     SerialPump(m());
     Read();
@@ -152,14 +151,12 @@ TEST_F(Pump, WithoutABridgeTheLineDropsWhatIsSent) {
     EXPECT_TRUE(m().serial.standInNoted);
 }
 
-TEST(Printer, CodeTableOverAllBytes) {
+TEST(Printer, CodeTableAndBound) {
     for (int b = 0; b < 256; ++b) {
         const int want = b < 127 ? b : b >= 160 ? '.' : MonitorFontCode(b);
         EXPECT_EQ(PrinterCode(static_cast<uint8_t>(b)), want) << b;
     }
-}
-
-TEST(Printer, HoldsAtMost16MiBDroppingTheOldest) {
+    // The text holds at most 16 MiB, dropping the oldest.
     TestMachine tm;
     Machine& m = tm.m();
     m.printer.Text1.assign(kPrinterHold, 'a');

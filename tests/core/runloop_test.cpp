@@ -1,5 +1,4 @@
-// The run loop around the instructions: tone timer, cursor interrupt, frame
-// work, breakpoint, the list of last addresses and leaving the loop.
+// The run loop around the instructions.
 #include <gtest/gtest.h>
 
 #include "core/RunLoop.h"
@@ -137,6 +136,13 @@ TEST(RunLoop, WithRunFlagClearItPerformsOnePassAndShowsTheStop) {
     EXPECT_EQ(t.cpu().RegPC, kOrg + 1);
     EXPECT_EQ(t.m().forms.CPUmon.Command6Color, 255);
     EXPECT_EQ(t.host.monitorRedraws, 1);
+
+    t.cpu().PrefixState = 12345; // an impossible prefix state is fatal
+    RunLoop(t.m());
+    ASSERT_EQ(t.host.fatals.size(), 1u);
+    EXPECT_EQ(t.host.fatals[0].text, "12345=Unknown prefix");
+    EXPECT_EQ(t.host.fatals[0].title, "CPU ERROR!");
+    EXPECT_EQ(t.m().run.RunFlag, 0);
 }
 
 // A handler at a yield point that starts the loop again gets no second loop:
@@ -167,16 +173,6 @@ TEST(RunLoop, AnotherCallWhileRunningReturnsAtOnce) {
     EXPECT_EQ(host.nestedPasses, 0);
     EXPECT_FALSE(m.run.Running);
     EXPECT_EQ(host.monitorRedraws, 1); // one stop, shown once
-}
-
-TEST(RunLoop, ImpossiblePrefixStateIsFatal) {
-    NopMachine t;
-    t.cpu().PrefixState = 12345;
-    RunLoop(t.m());
-    ASSERT_EQ(t.host.fatals.size(), 1u);
-    EXPECT_EQ(t.host.fatals[0].text, "12345=Unknown prefix");
-    EXPECT_EQ(t.host.fatals[0].title, "CPU ERROR!");
-    EXPECT_EQ(t.m().run.RunFlag, 0);
 }
 
 TEST(RunLoop, RegisterRIsMaskedAfterEachInstruction) {

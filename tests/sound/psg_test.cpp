@@ -1,7 +1,4 @@
-// The square-wave generators. The AY-3-8910: decode and masks, the envelope
-// shapes and their restarts, mixing. The SN76489: its byte protocol, noise
-// frequencies, the periodic noise's replay. Then the pitch and level of the
-// AY's, the SN's and the machine's own squares.
+// The square-wave generators: the AY-3-8910, the SN76489 and the machine's own.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -132,7 +129,7 @@ void Bytes(Machine& m, std::initializer_list<int> bytes) {
         PortOut(m, 0x30, b); // through the machine's ports
 }
 
-TEST(Sn76489, ByteProtocol) {
+TEST(Sn76489, ByteProtocolAndReset) {
     TestMachine t;
     Machine& m = t.m();
     const Sn76489& s = m.sn;
@@ -153,6 +150,14 @@ TEST(Sn76489, ByteProtocol) {
     EXPECT_EQ(s.SnChannel[0].Attenuation, 15);
     SnDecode(m, 0xFD, 0x90); // the panel's own path
     EXPECT_EQ(s.SnChannel[0].Attenuation, 0);
+
+    SnRender(m); // a reset silences the chip, its phases standing
+    const float phase = s.SnPhase[0];
+    SnReset(m);
+    SnRender(m);
+    EXPECT_TRUE(std::all_of(std::begin(s.Sn76489Out), std::end(s.Sn76489Out),
+                            [](int16_t v) { return v == 0; }));
+    EXPECT_EQ(s.SnPhase[0], phase);
 }
 
 TEST(Sn76489, NoiseRatesCountTheirFlips) {
@@ -194,19 +199,6 @@ TEST(Sn76489, PeriodicNoiseReplaysFromSeedOneEveryTenBlocks) {
     SnRender(white.m());
     EXPECT_EQ(white.m().sn.SnSeedCounter, 1);
     EXPECT_NE(white.m().sn.rnd.Next(), fresh.Next());
-}
-
-TEST(Sn76489, SilentAfterResetWithPhasesStanding) {
-    TestMachine t;
-    Machine& m = t.m();
-    Bytes(m, {0x85, 0x02, 0x90});
-    SnRender(m);
-    const float phase = m.sn.SnPhase[0];
-    SnReset(m);
-    SnRender(m);
-    EXPECT_TRUE(std::all_of(std::begin(m.sn.Sn76489Out), std::end(m.sn.Sn76489Out),
-                            [](int16_t v) { return v == 0; }));
-    EXPECT_EQ(m.sn.SnPhase[0], phase);
 }
 
 // Rising edges over a second of blocks and the extremes of the last block.

@@ -30,64 +30,28 @@ Rgb WindowPixel(const RgbImage& img, int x, int y) {
     return {img.rgb.at(o), img.rgb.at(o + 1), img.rgb.at(o + 2)};
 }
 
-TEST(Redraw, PlacesThePictureBoxFromTheCrtc) {
-    const struct {
-        int r1, r2, r5, r6, r7;
-        PictureBox box;
-    } cases[] = {
-        {64, 75, 2, 60, 70, {64, 16, 512, 480}},
-        {80, 83, 0, 25, 0, {0, 572, 640, 200}},
-        {0, 0, 31, 0, 127, {664, -382, 0, 0}},
-    };
-    for (const auto& c : cases) {
-        test::TestMachine t;
-        SetGeometry(t.m(), c.r1, c.r2, c.r5, c.r6, c.r7);
-        ScreenRedraw(t.m());
-        const PictureBox& p = t.m().screen.PicD;
-        EXPECT_EQ(p.Left, c.box.Left);
-        EXPECT_EQ(p.Top, c.box.Top);
-        EXPECT_EQ(p.Width, c.box.Width);
-        EXPECT_EQ(p.Height, c.box.Height);
-        EXPECT_EQ(t.host.pictures, 1);
-    }
-}
-
 TEST(Redraw, ScreenBoxClearKeepsTheLastPicture) {
     test::TestMachine t;
     Machine& m = t.m();
     SetPicture(m, 2, 64, 1, true);
     VideoRam(m, 0) = 0x20;
     ScreenRedraw(m);
-    m.forms.CPUmon.Check5 = false;
+    m.forms.CPUmon.Check5 = m.forms.CPUmon.Check6 = false;
     VideoRam(m, 0) = 0x08;
     m.forms.ErrorSim.Check2 = true; // no damage without a picture either
     m.bus.Mem[0] = 0x12;
     m.run.FrameT = 10 * 245;
     int32_t v = 0x44;
     PortOut(m, 0x60, v);
+    int32_t red = 0x08; // without the border box the border is neither shown nor carried
+    PortOut(m, 0x00, red);
     ScreenRedraw(m);
+    EXPECT_EQ(m.screen.BorderShown[20], 0u);
+    EXPECT_EQ(m.crtc.BorderLine[0], 0u);
     EXPECT_EQ(test::PicturePixel(m, true, 0, 0), test::SixteenColourRgb(4));
     EXPECT_EQ(m.crtc.PalLine[0][200], 0) << "the palette table is not closed";
     EXPECT_EQ(m.bus.Mem[0], 0x12);
     EXPECT_EQ(t.host.pictures, 2);
-}
-
-TEST(Redraw, BorderIsPaintedAndCarriedIntoTheNextFrame) {
-    for (bool borderBox : {true, false}) {
-        test::TestMachine t;
-        Machine& m = t.m();
-        m.forms.CPUmon.Check6 = borderBox;
-        int32_t red = 0x08, green = 0x20;
-        PortOut(m, 0x00, red);
-        m.run.FrameT = 50 * 218;
-        PortOut(m, 0x00, green);
-        ScreenRedraw(m);
-        const uint32_t* shown = m.screen.BorderShown;
-        EXPECT_EQ(shown[49], borderBox ? 0x000080u : 0u);
-        EXPECT_EQ(shown[50], borderBox ? 0x008000u : 0u);
-        // Painted: the next frame starts in the last colour of this one.
-        EXPECT_EQ(m.crtc.BorderLine[0], borderBox ? 0x008000u : 0x000080u);
-    }
 }
 
 TEST(Redraw, MemoryErrorHooks) {
@@ -146,6 +110,7 @@ TEST(ComposeFrame, BorderBehindThePictureBox) {
         VideoRam(m, 0) = 0xFF;            // top left: white
         VideoRam(m, 64 * 240 - 1) = 0x3F; // bottom right: light grey
         ScreenRedraw(m);
+        EXPECT_EQ(m.crtc.BorderLine[0], 0x800000u) << "the next frame starts in the last colour";
 
         const RgbImage img = ComposeFrame(m);
         ASSERT_EQ(img.width, 640);

@@ -22,39 +22,30 @@ struct Built {
     uint8_t At(int32_t offset) const { return m->bus.Mem[offset]; }
 };
 
-TEST(MachineInit, RomSetFollowsTheBasicMenuItem) {
-    for (bool basic22 : {false, true}) {
-        Built b;
-        b.WriteMarkedRoms();
-        b.m->menu.xBasic = basic22;
-        MachineInit(*b.m);
-        ASSERT_FALSE(b.m->FatalStop);
-        // markers: 1 TVC12_D4, 2 TVC12_D3, 3 TVC12_D7, 4 TVC22_D6, 5 TVC22_D4, 6 TVC22_D7
-        EXPECT_EQ(b.At(0x18000), basic22 ? 4 : 1);
-        EXPECT_EQ(b.At(0x19FFF), basic22 ? 4 : 1);
-        EXPECT_EQ(b.At(0x1A000), basic22 ? 5 : 2);
-        EXPECT_EQ(b.At(0x1E000), basic22 ? 6 : 3);
-        EXPECT_EQ(b.At(0x1FFFF), basic22 ? 6 : 3);
-        EXPECT_EQ(b.At(0x1C000), 0); // the gap between system and extension ROM
-    }
-}
-
-// Markers: 7 hbf.rom in slot 0, 9 in slot 3; sndmx.rom's 8 KB pages 0x10-0x13.
-TEST(MachineInit, CardRomsFollowTheSlotItems) {
-    for (bool cards : {true, false}) {
+// Markers: 1 TVC12_D4, 2 TVC12_D3, 3 TVC12_D7, 4 TVC22_D6, 5 TVC22_D4,
+// 6 TVC22_D7, 7 hbf.rom in slot 0, 9 in slot 3; sndmx.rom's 8 KB pages 0x10-0x13.
+TEST(MachineInit, RomSetAndCardRomsFollowTheMenu) {
+    for (bool other : {false, true}) {
         Built b;
         b.WriteMarkedRoms();
         std::vector<uint8_t> snd(32768);
         for (size_t i = 0; i < snd.size(); ++i)
             snd[i] = static_cast<uint8_t>(0x10 + i / 8192);
         b.dir.Write("sndmx.rom", snd);
-        b.m->menu.xio0 = b.m->menu.xio2 = b.m->menu.xio3 = cards;
+        b.m->menu.xBasic = other;
+        b.m->menu.xio0 = b.m->menu.xio2 = b.m->menu.xio3 = other;
         MachineInit(*b.m);
         ASSERT_FALSE(b.m->FatalStop);
-        EXPECT_EQ(b.At(0x38000), cards ? 7 : 0);
-        EXPECT_EQ(b.At(0x3BFFF), cards ? 7 : 0);
-        EXPECT_EQ(b.At(0x30000), cards ? 0x13 : 0); // the fourth 8 KB page of sndmx.rom
-        EXPECT_EQ(b.At(0x32000), cards ? 9 : 0);
+        EXPECT_EQ(b.At(0x18000), other ? 4 : 1);
+        EXPECT_EQ(b.At(0x19FFF), other ? 4 : 1);
+        EXPECT_EQ(b.At(0x1A000), other ? 5 : 2);
+        EXPECT_EQ(b.At(0x1E000), other ? 6 : 3);
+        EXPECT_EQ(b.At(0x1FFFF), other ? 6 : 3);
+        EXPECT_EQ(b.At(0x1C000), 0); // the gap between system and extension ROM
+        EXPECT_EQ(b.At(0x38000), other ? 7 : 0);
+        EXPECT_EQ(b.At(0x3BFFF), other ? 7 : 0);
+        EXPECT_EQ(b.At(0x30000), other ? 0x13 : 0); // the fourth 8 KB page of sndmx.rom
+        EXPECT_EQ(b.At(0x32000), other ? 9 : 0);
         EXPECT_EQ(b.At(0x14000), 0); // no cartridge
     }
 }
@@ -94,25 +85,6 @@ TEST(MachineInit, MissingRomOrCartridgeIsFatal) {
         EXPECT_EQ(b.host.fatals[0].text, k.text);
         EXPECT_EQ(b.host.fatals[0].title, "Error");
     }
-}
-
-TEST(MachineInit, CartridgeImageAndMex4mb) {
-    Built b;
-    b.WriteMarkedRoms();
-    b.dir.Write("game.crt", std::vector<uint8_t>(100, 0xC7));
-    b.m->bus.SetCartName("game.crt");
-    MachineInit(*b.m);
-    EXPECT_EQ(b.At(0x14000), 0xC7);
-    EXPECT_EQ(b.At(0x14063), 0xC7);
-    EXPECT_EQ(b.At(0x14064), 0x00);
-
-    b.dir.Write("mex4mb.crt", std::vector<uint8_t>(20000, 0x3E));
-    b.m->bus.SetCartName("mex4mb.crt");
-    MachineInit(*b.m);
-    ASSERT_EQ(b.m->bus.MexMem.size(), size_t(kMexPages) * kMexPageSize);
-    EXPECT_EQ(b.m->bus.MexMem[19999], 0x3E);
-    EXPECT_EQ(b.m->bus.MexMem[20000], 0x00);
-    EXPECT_EQ(b.At(0x14000), 0x00); // the image slot is left as MachineInit made it
 }
 
 TEST(MachineInit, PowerCycleClearsRamAndEnablesUndocumented) {

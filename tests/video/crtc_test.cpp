@@ -4,6 +4,7 @@
 
 #include "hw/Ports.h"
 #include "support/TestMachine.h"
+#include "video/LightPen.h"
 #include "video/Screen.h"
 
 namespace tvc {
@@ -76,6 +77,26 @@ TEST(Raster, OutOfRangeFrameTimesStayInsideTheTables) {
         PALchNull(m);
     }
     EXPECT_EQ(m.crtc.BorderLine[0], 0x800000u) << "a line before the first paints it all";
+}
+
+// The pointer's place over the picture becomes a light pen address of 64
+// bytes a row of 20 pixels, rounded half to even, and reaches R16 and R17
+// only when the frame ends.
+TEST(LightPen, AddressReachesTheCrtcOnlyAtTheFrameEnd) {
+    const struct {
+        double x, y;
+        int high, low;
+    } cases[] = {{7.4, 19.4, 0, 0},     {8, 20, 0, 65},        {511, 0, 0, 63},
+                 {511, 1279, 15, 255},  {100.5, 500.5, 6, 76}, // 100 and 500 (halves to even)
+                 {0, 20 * 1100, 275, 0}};                      // row 1100: high byte not masked
+    for (const auto& k : cases) {
+        test::TestMachine t;
+        PicdMouseMove(t.m(), k.x, k.y);
+        EXPECT_EQ(t.m().crtc.CrtcReg[16], 0);
+        LPENRefresh(t.m());
+        EXPECT_EQ(t.m().crtc.CrtcReg[16], k.high) << k.x << "," << k.y;
+        EXPECT_EQ(t.m().crtc.CrtcReg[17], k.low) << k.x << "," << k.y;
+    }
 }
 
 } // namespace

@@ -1,10 +1,12 @@
-// Key codes to matrix bits, the Alt rule, the emulator's function keys and
-// the paging calculator of the keypad.
+// Key codes to matrix bits, the Alt rule, the emulator's function keys, the
+// paging calculator of the keypad, and the window's and tvc-headless's key
+// queues.
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <set>
 
+#include "hw/KeyQueue.h"
 #include "hw/Keyboard.h"
 #include "hw/Ports.h"
 #include "support/TestMachine.h"
@@ -40,21 +42,20 @@ TEST(Keyboard, EachCodeReadsBackAtItsOwnPlaceAndTheRestAreSwallowed) {
         EXPECT_EQ(row, 0);
 }
 
-TEST(Keyboard, AltAloneNeverReachesTheMatrixButAltGrDoes) {
+// Alt alone never reaches the matrix and leaves the code alone; AltGr (Alt
+// with Ctrl) does reach it. F1 and F2 reset unless Alt is held.
+TEST(Keyboard, AltRuleAndFunctionKeys) {
     TestMachine t;
     int code = 'A';
     PicdKeyDown(t.m(), code, kAltMask);
     EXPECT_EQ(t.m().bus.KeyMatrix[4], 0);
-    EXPECT_EQ(code, 'A'); // left untouched
+    EXPECT_EQ(code, 'A');
     code = 18;
     PicdKeyDown(t.m(), code, kAltMask | kCtrlMask);
     EXPECT_EQ(t.m().bus.KeyMatrix[7], 0x01);
     PicdKeyUp(t.m(), 18, kAltMask);
     EXPECT_EQ(t.m().bus.KeyMatrix[7], 0);
-}
 
-TEST(Keyboard, FunctionKeysOneAndTwoResetUnlessAltIsHeld) {
-    TestMachine t;
     int f1 = 112, f2 = 113;
     EXPECT_EQ(PicdKeyDown(t.m(), f1, 0), KeyCommand::Reset);
     EXPECT_EQ(PicdKeyDown(t.m(), f2, kShiftMask), KeyCommand::Reset2);
@@ -81,12 +82,6 @@ TEST(Keyboard, PagingCalculatorFields) {
                     << byte << " " << field << " " << choice;
             }
 }
-
-} // namespace
-} // namespace tvc::test
-
-namespace tvc::test {
-namespace {
 
 // "HE" typed quickly: all four events arrive while the machine waits, and
 // each key down waits for the next frame. A command comes back at once;
@@ -125,6 +120,53 @@ TEST(KeyEventQueue, KeysOneFrameApartCommandsAndClearing) {
     q.Push(false, 'A', 0);
     q.Pump(m);
     EXPECT_TRUE(q.Empty());
+}
+
+// The key queue that types for tvc-headless --type.
+TEST(KeyQueue, EachKeyIsHeldThenReleasedWithShiftWhereNeeded) {
+    KeyQueue q(10);
+    std::string error;
+    ASSERT_TRUE(q.PushText("aA", error)) << error; // one key twice: seen up in between
+    const FirmwareKey a = *FirmwareKeyFor('a');
+    const uint8_t aBit = uint8_t(1 << a.bit), shiftBit = uint8_t(1 << kFirmwareShiftKey.bit);
+    ASSERT_EQ(FirmwareKeyFor('A')->row, a.row);
+
+    uint8_t matrix[11] = {};
+    const struct {
+        uint64_t frame;
+        bool aDown, shiftDown;
+    } steps[] = {
+        {0, false, false},  {9, false, false},  {10, true, false}, {12, true, false},
+        {13, false, false}, {15, false, false}, {16, true, true},  {18, true, true},
+        {19, false, false}, {40, false, false},
+    };
+    for (const auto& s : steps) {
+        q.OnFrame(s.frame, matrix);
+        EXPECT_EQ((matrix[a.row] & aBit) != 0, s.aDown) << "frame " << s.frame;
+        EXPECT_EQ((matrix[kFirmwareShiftKey.row] & shiftBit) != 0, s.shiftDown)
+            << "frame " << s.frame;
+    }
+    EXPECT_EQ(q.DoneFrame(), 10u + 2 * KeyQueue::kFramesPerKey);
+}
+
+TEST(KeyQueue, EscapesAndUnknownCharacters) {
+    const struct {
+        const char* text;
+        bool ok;
+        size_t keys;
+    } cases[] = {
+        {"a\\nb", true, 3}, {"\\b", true, 1}, {"\\\\", true, 1},
+        {"x\n", true, 2},   {"\t", false, 0}, {"ok\x01", false, 0},
+    };
+    for (const auto& k : cases) {
+        KeyQueue q(0);
+        std::string error;
+        EXPECT_EQ(q.PushText(k.text, error), k.ok) << k.text;
+        EXPECT_EQ(q.size(), k.keys) << k.text;
+        if (!k.ok) { EXPECT_NE(error.find("no key types"), std::string::npos); }
+    }
+    EXPECT_EQ(FirmwareKeyFor('\n')->ch, '\r');
+    EXPECT_EQ(FirmwareKeyFor('\\')->ch, '\\');
 }
 
 } // namespace

@@ -87,22 +87,21 @@ TEST(MachineInit, MissingRomOrCartridgeIsFatal) {
     }
 }
 
-TEST(MachineInit, PowerCycleClearsRamAndEnablesUndocumented) {
-    TestMachine t;
-    MemWrite(t.m(), 0x1000, 0x55);
-    t.cpu().UndocEnabled = 0;
-    t.m().run.InstCount = 99;
-    MachineInit(t.m());
-    EXPECT_EQ(t.m().bus.Mem[0x1000], 0);
-    EXPECT_EQ(t.cpu().UndocEnabled, 1);
-    EXPECT_EQ(t.m().run.InstCount, 0);
-    EXPECT_EQ(t.cpu().TStates, 0);
-}
-
-TEST(MachineReset, WarmResetKeepsMemoryAndResetsLatches) {
+// A power cycle clears RAM and the counters and enables the undocumented
+// instructions; a warm reset keeps memory and resets the latches.
+TEST(MachineReset, PowerCycleClearsRamWarmResetKeepsIt) {
     TestMachine t;
     Machine& m = t.m();
     MemWrite(m, 0x1000, 0x55);
+    t.cpu().UndocEnabled = 0;
+    m.run.InstCount = 99;
+    MachineInit(m);
+    EXPECT_EQ(m.bus.Mem[0x1000], 0);
+    EXPECT_EQ(t.cpu().UndocEnabled, 1);
+    EXPECT_EQ(m.run.InstCount, 0);
+    EXPECT_EQ(t.cpu().TStates, 0);
+
+    m.bus.Mem[0x1000] = 0x55;
     for (auto& latch : m.bus.PortLatch)
         latch = 0x33;
     for (auto& row : m.bus.KeyMatrix)

@@ -96,6 +96,8 @@ TEST(MachineReset, PowerCycleClearsRamWarmResetKeepsIt) {
     t.cpu().UndocEnabled = 0;
     m.run.InstCount = 99;
     MachineInit(m);
+    m.bus.Mem[0x19000] = 0x66; // the page table follows: system ROM at 0 again
+    EXPECT_EQ(MemRead(m, 0x1000), 0x66);
     EXPECT_EQ(m.bus.Mem[0x1000], 0);
     EXPECT_EQ(t.cpu().UndocEnabled, 1);
     EXPECT_EQ(m.run.InstCount, 0);
@@ -104,6 +106,7 @@ TEST(MachineReset, PowerCycleClearsRamWarmResetKeepsIt) {
     m.bus.Mem[0x1000] = 0x55;
     for (auto& latch : m.bus.PortLatch)
         latch = 0x33;
+    MemoryMapChanged(m); // U0 at 0
     for (auto& row : m.bus.KeyMatrix)
         row = 1;
     for (auto& reg : m.crtc.CrtcReg)
@@ -112,6 +115,7 @@ TEST(MachineReset, PowerCycleClearsRamWarmResetKeepsIt) {
     m.cpu.RegPC = 0x4321; // the processor's own reset is checked with the Z80
     MachineReset(m);
     EXPECT_EQ(m.bus.Mem[0x1000], 0x55);
+    EXPECT_EQ(MemRead(m, 0x1000), 0x66);
     EXPECT_EQ(m.bus.PortLatch[0x59], 191);
     EXPECT_EQ(m.bus.PortLatch[5], 255);
     for (int i = 0; i < 256; ++i)

@@ -1,20 +1,67 @@
 // The seven renderers, pixel by pixel, on small hand-made video memory and
-// palette contents. Expected colours come from the machine's colour rules,
-// not from the renderers.
+// palette contents (expected colours come from the machine's colour rules,
+// not from the renderers), and redraw around them: the monitor's "Screen"
+// and "Border" boxes, the memory error hooks, the run loop's palette close,
+// the composed window picture and the raw dumps. Hostile register values
+// reach the picture through the snapshot fuzz target.
 #include <gtest/gtest.h>
 
+#include <fstream>
+#include <iterator>
+#include <ostream>
+
+#include "core/RunLoop.h"
 #include "hw/Ports.h"
 #include "support/TestMachine.h"
 #include "video/Screen.h"
-#include "video/VideoTestSupport.h"
 
 namespace tvc {
 namespace {
 
-using test::PicturePixel;
-using test::Rgb;
-using test::SetPicture;
-using test::VideoRam;
+struct Rgb {
+    int r = 0, g = 0, b = 0;
+    bool operator==(const Rgb&) const = default;
+};
+std::ostream& operator<<(std::ostream& os, const Rgb& c) {
+    return os << "rgb(" << c.r << "," << c.g << "," << c.b << ")";
+}
+
+constexpr Rgb kBlack{0, 0, 0};
+
+// Pixel (x, y) of the family's buffer: DibBits is blue, green, red, DibWidth
+// pixels a line; ScreenBits is blue, green, red, unused, PicD's width a line.
+Rgb PicturePixel(const Machine& m, bool dib, int x, int y) {
+    const Screen& s = m.screen;
+    if (dib) {
+        const size_t o = (static_cast<size_t>(y) * s.DibWidth + x) * 3;
+        return {s.DibBits.at(o + 2), s.DibBits.at(o + 1), s.DibBits.at(o)};
+    }
+    const size_t o = (static_cast<size_t>(y) * s.PicD.Width + x) * 4;
+    return {s.ScreenBits.at(o + 2), s.ScreenBits.at(o + 1), s.ScreenBits.at(o)};
+}
+
+// A picture of r1 bytes a row and r6 * 4 rows, in the given mode (bits 1-0 of
+// port 6) and renderer family, starting at the base of video page 0.
+void SetPicture(Machine& m, int mode, int r1, int r6, bool dib) {
+    m.crtc.CrtcReg[1] = r1;
+    m.crtc.CrtcReg[6] = r6;
+    m.crtc.CrtcReg[12] = m.crtc.CrtcReg[13] = 0;
+    m.bus.PortLatch[6] = static_cast<uint8_t>(0x80 | mode);
+    m.menu.xScreenDIB = dib;
+}
+
+uint8_t& VideoRam(Machine& m, int offset) {
+    return m.bus.Mem.at(0x10000 + offset);
+}
+
+// The machine's sixteen colours by their bits (blue 1, red 2, green 4,
+// intensity 8): half level, full level with intensity, light grey for the
+// three without it, and intensity alone black.
+Rgb SixteenColourRgb(int bits) {
+    const int level = (bits & 8) ? 255 : 128;
+    if ((bits & 7) == 7 && !(bits & 8)) return {192, 192, 192};
+    return {(bits & 2) ? level : 0, (bits & 4) ? level : 0, (bits & 1) ? level : 0};
+}
 
 constexpr bool kFamilies[] = {true, false}; // DIB, bitmap
 
@@ -41,8 +88,8 @@ Rgb PaletteRgb(int c, int mode) {
 
 // The sixteen-colour pixel of byte b whose blue bit is bit s (1 left, 0 right).
 Rgb SixteenPixel(int b, int s) {
-    return test::SixteenColourRgb((b >> s & 1) | (b >> (s + 2) & 1) << 1 | (b >> (s + 4) & 1) << 2 |
-                                  (b >> (s + 6) & 1) << 3);
+    return SixteenColourRgb((b >> s & 1) | (b >> (s + 2) & 1) << 1 | (b >> (s + 4) & 1) << 2 |
+                            (b >> (s + 6) & 1) << 3);
 }
 
 // Every byte value in every mode and family, against the decoding rules:
@@ -76,7 +123,7 @@ TEST(Renderers, EveryByteInEveryModeFollowsTheDecodingRule) {
                     const int x = (b % 64) * 8 + p, y = (b / 64) * 2;
                     ASSERT_EQ(PicturePixel(m, dib, x, y), want)
                         << "dib " << dib << " mode " << mode << " byte " << b << " pixel " << p;
-                    ASSERT_EQ(PicturePixel(m, dib, x, y + 1), dib ? want : test::kBlack);
+                    ASSERT_EQ(PicturePixel(m, dib, x, y + 1), dib ? want : kBlack);
                 }
             if (!dib) {
                 // Same size next time: the buffer is kept, and so is what an odd line holds.
@@ -146,7 +193,7 @@ TEST(Palette, RowsFollowTheRasterLineOfTheWrite) {
         PortOut(m, 0x61, red);
         ScreenRedraw(m);
         for (int row = 1; row <= 260; ++row) {
-            const Rgb want = row < 3 ? Rgb{0, 0, 127} : row == 256 ? test::kBlack : Rgb{124, 0, 0};
+            const Rgb want = row < 3 ? Rgb{0, 0, 127} : row == 256 ? kBlack : Rgb{124, 0, 0};
             EXPECT_EQ(PicturePixel(m, dib, (row * 8) % 512, 2 * (row - 1)), want) << row;
         }
     }
@@ -169,7 +216,7 @@ TEST(Noise, OnlyTwoColourPicturesAndNeverInMemory) {
             // Bit 6: two colours' pixel 1, four colours' pixel 1 (with bit 2)
             // at screen pixel 2; clear in 0xAA unless noise struck.
             const int x = (i % 64) * 8 + (mode ? 2 : 1), y = (i / 64) * 2;
-            noisy += PicturePixel(m, true, x, y) != test::kBlack;
+            noisy += PicturePixel(m, true, x, y) != kBlack;
             ASSERT_EQ(VideoRam(m, i), 0xAA);
         }
         // A draw of 0..1 times 255 rounds above 250 about 1.8% of the time.
@@ -223,12 +270,158 @@ TEST(Shear, NarrowPicturesStepByTheConstants) {
         VideoRam(m, 0) = 0x20;        // row 1
         VideoRam(m, 32) = 0x08;       // row 2
         ScreenRedraw(m);
-        const Rgb green = test::SixteenColourRgb(4), red = test::SixteenColourRgb(2);
+        const Rgb green = SixteenColourRgb(4), red = SixteenColourRgb(2);
         EXPECT_EQ(PicturePixel(m, dib, 0, 0), green);
-        EXPECT_EQ(PicturePixel(m, dib, 0, 1), dib ? green : test::kBlack);
-        EXPECT_EQ(PicturePixel(m, dib, 0, 2), test::kBlack);
+        EXPECT_EQ(PicturePixel(m, dib, 0, 1), dib ? green : kBlack);
+        EXPECT_EQ(PicturePixel(m, dib, 0, 2), kBlack);
         EXPECT_EQ(PicturePixel(m, dib, 0, 3), red);
     }
+}
+
+void SetGeometry(Machine& m, int r1, int r2, int r5, int r6, int r7) {
+    int32_t* reg = m.crtc.CrtcReg;
+    reg[1] = r1, reg[2] = r2, reg[5] = r5, reg[6] = r6, reg[7] = r7;
+}
+
+Rgb WindowPixel(const RgbImage& img, int x, int y) {
+    const size_t o = (static_cast<size_t>(y) * img.width + x) * 3;
+    return {img.rgb.at(o), img.rgb.at(o + 1), img.rgb.at(o + 2)};
+}
+
+TEST(Redraw, ScreenBoxClearKeepsTheLastPicture) {
+    test::TestMachine t;
+    Machine& m = t.m();
+    SetPicture(m, 2, 64, 1, true);
+    VideoRam(m, 0) = 0x20;
+    ScreenRedraw(m);
+    m.forms.CPUmon.Check5 = m.forms.CPUmon.Check6 = false;
+    VideoRam(m, 0) = 0x08;
+    m.forms.ErrorSim.Check2 = true; // no damage without a picture either
+    m.bus.Mem[0] = 0x12;
+    m.run.FrameT = 10 * 245;
+    int32_t v = 0x44;
+    PortOut(m, 0x60, v);
+    int32_t red = 0x08; // without the border box the border is neither shown nor carried
+    PortOut(m, 0x00, red);
+    ScreenRedraw(m);
+    EXPECT_EQ(m.screen.BorderShown[20], 0u);
+    EXPECT_EQ(m.crtc.BorderLine[0], 0u);
+    EXPECT_EQ(PicturePixel(m, true, 0, 0), SixteenColourRgb(4));
+    EXPECT_EQ(m.crtc.PalLine[0][200], 0) << "the palette table is not closed";
+    EXPECT_EQ(m.bus.Mem[0], 0x12);
+    EXPECT_EQ(t.host.pictures, 2);
+}
+
+TEST(Redraw, MemoryErrorHooks) {
+    const struct {
+        int option;
+        uint8_t bits, before, after;
+    } faults[] = {
+        {0, 0x81, 0xFF, 0x7E}, {1, 0x81, 0x00, 0x81},  {2, 0x00, 0x5A, 0x5A},
+        {0, 0x00, 0x5A, 0x5A}, {-1, 0x0F, 0x5A, 0x00},
+    };
+    for (const auto& f : faults) {
+        test::TestMachine t;
+        Machine& m = t.m();
+        m.bus.VideoErrorEnabled = 1;
+        m.forms.ErrorSim.Option1 = f.option;
+        m.forms.ErrorSim.ErrorBits = f.bits;
+        m.forms.ErrorSim.Check3 = true;
+        std::fill(m.bus.Mem.begin() + 0x10000, m.bus.Mem.begin() + 0x14000, f.before);
+        ScreenRedraw(m);
+        EXPECT_EQ(m.bus.Mem[0x10000], f.after) << f.option;
+        EXPECT_EQ(m.bus.Mem[0x13FAC], f.after) << f.option;
+        EXPECT_EQ(m.bus.Mem[0x13FAD], f.before) << "the last 83 bytes escape";
+        EXPECT_EQ(m.bus.Mem[0x4000], 0xAA);
+        EXPECT_EQ(m.bus.Mem[0x7FFF], 0xAA);
+        EXPECT_EQ(m.bus.Mem[0x3FFF], 0x00);
+        EXPECT_EQ(m.bus.Mem[0x8000], 0x00);
+    }
+}
+
+// The run loop's pictures (two in five frames, counted with the run loop)
+// are each followed by PALchNull.
+TEST(Redraw, RunLoopClosesThePaletteTableAfterEachPicture) {
+    test::TestMachine t;
+    Machine& m = t.m();
+    t.Load(0x0000, {0x18, 0xFE}); // JR $
+    int32_t v = 0x11;
+    while (m.run.FrameCount < 5) {
+        const int before = t.host.pictures;
+        if (m.run.FrameT < 100 * 245) PortOut(m, 0x60, v); // keeps PalLineLast moving
+        t.Step();
+        if (t.host.pictures != before) { EXPECT_EQ(m.crtc.PalLineLast, 0); }
+    }
+    EXPECT_EQ(t.host.pictures, 2);
+}
+
+TEST(ComposeFrame, BorderBehindThePictureBox) {
+    for (bool dib : {true, false}) {
+        test::TestMachine t;
+        Machine& m = t.m();
+        SetPicture(m, 2, 64, 60, dib);
+        SetGeometry(m, 64, 75, 2, 60, 70); // 512 x 480 at 64, 16
+        int32_t red = 0x08, blue = 0x02;
+        PortOut(m, 0x00, red);
+        m.run.FrameT = 250 * 218;
+        PortOut(m, 0x00, blue);
+        VideoRam(m, 0) = 0xFF;            // top left: white
+        VideoRam(m, 64 * 240 - 1) = 0x3F; // bottom right: light grey
+        ScreenRedraw(m);
+        EXPECT_EQ(m.crtc.BorderLine[0], 0x800000u) << "the next frame starts in the last colour";
+
+        const RgbImage img = ComposeFrame(m);
+        ASSERT_EQ(img.width, 640);
+        ASSERT_EQ(img.height, 576);
+        const Rgb upper{128, 0, 0}, lower{0, 0, 128}, white{255, 255, 255};
+        EXPECT_EQ(WindowPixel(img, 0, 0), upper);
+        EXPECT_EQ(WindowPixel(img, 63, 16), upper);
+        EXPECT_EQ(WindowPixel(img, 64, 15), upper);
+        EXPECT_EQ(WindowPixel(img, 64, 16), white);
+        EXPECT_EQ(WindowPixel(img, 71, 17), dib ? white : kBlack);
+        EXPECT_EQ(WindowPixel(img, 575, 494), (Rgb{192, 192, 192}));
+        EXPECT_EQ(WindowPixel(img, 576, 494), upper);
+        EXPECT_EQ(WindowPixel(img, 639, 499), upper);
+        EXPECT_EQ(WindowPixel(img, 639, 500), lower) << "border line 250 takes the new colour";
+        EXPECT_EQ(WindowPixel(img, 0, 575), lower);
+
+        // Moved to the bottom right, only the box's top left corner shows.
+        SetGeometry(m, 64, 20, 0, 60, 0); // Left 504, Top 572
+        ScreenRedraw(m);
+        const RgbImage moved = ComposeFrame(m);
+        EXPECT_EQ(WindowPixel(moved, 504, 572), white);
+        EXPECT_EQ(WindowPixel(moved, 503, 572), lower);
+    }
+}
+
+std::vector<char> ReadAll(const std::string& name) {
+    std::ifstream in(name, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+}
+
+TEST(Dumps, SaveScreenTakesPageZeroAndMemoryDumpKeepsTheTail) {
+    test::TestMachine t;
+    Machine& m = t.m();
+    m.bus.PortLatch[0x0F] = 0x30; // page 3 shown; the dump still takes page 0
+    for (int i = 0; i < 16384; ++i)
+        VideoRam(m, i) = static_cast<uint8_t>(i * 7);
+    m.bus.Mem[65535] = 0x5C;
+    t.dir->Write("ramdump.bin", std::vector<uint8_t>(70000, 0xEE));
+
+    ASSERT_TRUE(xSaveScrren(m));
+    ASSERT_TRUE(xMemDump(m));
+
+    const auto screen = ReadAll("screen.bin");
+    ASSERT_EQ(screen.size(), 16384u);
+    EXPECT_EQ(static_cast<uint8_t>(screen[16383]), static_cast<uint8_t>(16383 * 7));
+    const auto dump = ReadAll("ramdump.bin");
+    ASSERT_EQ(dump.size(), 70000u);
+    EXPECT_EQ(static_cast<uint8_t>(dump[65535]), 0x5C);
+    EXPECT_EQ(static_cast<uint8_t>(dump[65536]), 0xEE);
+
+    std::filesystem::remove("ramdump.bin");
+    ASSERT_TRUE(xMemDump(m));
+    EXPECT_EQ(ReadAll("ramdump.bin").size(), 65536u);
 }
 
 } // namespace

@@ -1,4 +1,5 @@
-// The seven renderers, pixel by pixel, on small hand-made video memory and
+// The palette, border and light pen registers along the raster, and the
+// seven renderers, pixel by pixel, on small hand-made video memory and
 // palette contents (expected colours come from the machine's colour rules,
 // not from the renderers), and redraw around them: the monitor's "Screen"
 // and "Border" boxes, the memory error hooks, the run loop's palette close,
@@ -13,10 +14,16 @@
 #include "core/RunLoop.h"
 #include "hw/Ports.h"
 #include "support/TestMachine.h"
+#include "video/Crtc.h"
+#include "video/LightPen.h"
 #include "video/Screen.h"
 
 namespace tvc {
 namespace {
+
+void Out(Machine& m, int32_t port, int32_t value) {
+    PortOut(m, port, value);
+}
 
 struct Rgb {
     int r = 0, g = 0, b = 0;
@@ -189,8 +196,7 @@ TEST(Palette, RowsFollowTheRasterLineOfTheWrite) {
         for (int i = 0; i < 16384; ++i)
             VideoRam(m, i) = 0xFF; // the rows past it wrap
         m.run.FrameT = 3 * 245;    // raster line 3
-        int32_t red = 0x04;
-        PortOut(m, 0x61, red);
+        Out(m, 0x61, 0x04);        // red
         ScreenRedraw(m);
         for (int row = 1; row <= 260; ++row) {
             const Rgb want = row < 3 ? Rgb{0, 0, 127} : row == 256 ? kBlack : Rgb{124, 0, 0};
@@ -299,10 +305,8 @@ TEST(Redraw, ScreenBoxClearKeepsTheLastPicture) {
     m.forms.ErrorSim.Check2 = true; // no damage without a picture either
     m.bus.Mem[0] = 0x12;
     m.run.FrameT = 10 * 245;
-    int32_t v = 0x44;
-    PortOut(m, 0x60, v);
-    int32_t red = 0x08; // without the border box the border is neither shown nor carried
-    PortOut(m, 0x00, red);
+    Out(m, 0x60, 0x44);
+    Out(m, 0x00, 0x08); // without the border box the border is neither shown nor carried
     ScreenRedraw(m);
     EXPECT_EQ(m.screen.BorderShown[20], 0u);
     EXPECT_EQ(m.crtc.BorderLine[0], 0u);
@@ -345,10 +349,9 @@ TEST(Redraw, RunLoopClosesThePaletteTableAfterEachPicture) {
     test::TestMachine t;
     Machine& m = t.m();
     t.Load(0x0000, {0x18, 0xFE}); // JR $
-    int32_t v = 0x11;
     while (m.run.FrameCount < 5) {
         const int before = t.host.pictures;
-        if (m.run.FrameT < 100 * 245) PortOut(m, 0x60, v); // keeps PalLineLast moving
+        if (m.run.FrameT < 100 * 245) Out(m, 0x60, 0x11); // keeps PalLineLast moving
         t.Step();
         if (t.host.pictures != before) { EXPECT_EQ(m.crtc.PalLineLast, 0); }
     }
@@ -361,10 +364,9 @@ TEST(ComposeFrame, BorderBehindThePictureBox) {
         Machine& m = t.m();
         SetPicture(m, 2, 64, 60, dib);
         SetGeometry(m, 64, 75, 2, 60, 70); // 512 x 480 at 64, 16
-        int32_t red = 0x08, blue = 0x02;
-        PortOut(m, 0x00, red);
+        Out(m, 0x00, 0x08);                // red
         m.run.FrameT = 250 * 218;
-        PortOut(m, 0x00, blue);
+        Out(m, 0x00, 0x02);               // blue
         VideoRam(m, 0) = 0xFF;            // top left: white
         VideoRam(m, 64 * 240 - 1) = 0x3F; // bottom right: light grey
         ScreenRedraw(m);
@@ -422,6 +424,91 @@ TEST(Dumps, SaveScreenTakesPageZeroAndMemoryDumpKeepsTheTail) {
     std::filesystem::remove("ramdump.bin");
     ASSERT_TRUE(xMemDump(m));
     EXPECT_EQ(ReadAll("ramdump.bin").size(), 65536u);
+}
+
+// A write fills the lines since the last one, its own line included, in all
+// four registers with the values that held until now; the next fill (another
+// write, or the close before a picture) starts again at that line. A frame
+// without a picture, its line gone back, loses that history.
+TEST(Palette, WriteFillsTheLinesSinceTheLastOne) {
+    test::TestMachine t;
+    Machine& m = t.m();
+    Out(m, 0x60, 0x11);
+    m.run.FrameT = 100 * kPalLineT + 3; // raster line 100
+    Out(m, 0x60, 0x22);
+    EXPECT_EQ(m.crtc.PalLine[0][100], 0x11);
+    m.run.FrameT = 200 * kPalLineT;
+    Out(m, 0x62, 0x33);
+    EXPECT_EQ(m.crtc.PalLine[0][100], 0x22);
+    m.run.FrameT = 90 * kPalLineT; // the next frame
+    Out(m, 0x63, 0x44);
+    EXPECT_EQ(m.crtc.PalLineLast, 90);
+    ScreenRedraw(m); // closes the rest with the latches
+    EXPECT_EQ(m.crtc.PalLine[0][89], 0x11);
+    EXPECT_EQ(m.crtc.PalLine[2][89], 0x00);
+    EXPECT_EQ(m.crtc.PalLine[2][90], 0x33);
+    EXPECT_EQ(m.crtc.PalLine[3][255], 0x44);
+    EXPECT_EQ(m.crtc.PalLine[0][256], 0x00) << "line 256 is never filled";
+    PALchNull(m);
+    EXPECT_EQ(m.crtc.PalLineLast, 0);
+
+    // Ports above 0x63 record the line but are no palette registers.
+    m.run.FrameT = 50 * kPalLineT;
+    Out(m, 0x6F, 0x7E);
+    EXPECT_EQ(m.crtc.PalLineLast, 50);
+    EXPECT_EQ(m.bus.PortLatch[0x6F], 0x7E);
+    EXPECT_EQ(TVCcolor(m, 0), 0x22);
+    EXPECT_EQ(TVCcolor(m, 3), 0x44);
+    EXPECT_EQ(TVCcolor(m, 4), 0);
+}
+
+// Bits 1, 5, 3 and 7 are blue, green, red and intensity of the Windows
+// colour (red in the low byte): half level, full with intensity, light grey
+// for the three without it, and intensity alone dark grey.
+TEST(Border, ColourBitsFollowTheStandardColours) {
+    test::TestMachine t;
+    for (int v = 0; v < 256; ++v) {
+        const uint32_t level = v & 0x80 ? 0xFF : 0x80;
+        uint32_t want = (v & 0x08 ? level : 0) | (v & 0x20 ? level << 8 : 0) |
+                        (v & 0x02 ? level << 16 : 0);
+        if ((v & 0xAA) == 0x2A) want = 0xC0C0C0;
+        if ((v & 0xAA) == 0x80) want = 0x808080;
+        BorderSet(t.m(), v);
+        EXPECT_EQ(t.m().crtc.BorderLine[0], want) << std::hex << v;
+    }
+}
+
+TEST(Raster, OutOfRangeFrameTimesStayInsideTheTables) {
+    test::TestMachine t;
+    Machine& m = t.m();
+    for (int32_t frameT : {-100000, -1, 62500 * 3, INT32_MAX}) {
+        m.run.FrameT = frameT;
+        Out(m, 0x60, 0x11);
+        Out(m, 0x00, 0x02);
+        ScreenRedraw(m);
+        PALchNull(m);
+    }
+    EXPECT_EQ(m.crtc.BorderLine[0], 0x800000u) << "a line before the first paints it all";
+}
+
+// The pointer's place over the picture becomes a light pen address of 64
+// bytes a row of 20 pixels, rounded half to even, and reaches R16 and R17
+// only when the frame ends.
+TEST(LightPen, AddressReachesTheCrtcOnlyAtTheFrameEnd) {
+    const struct {
+        double x, y;
+        int high, low;
+    } cases[] = {{7.4, 19.4, 0, 0},     {8, 20, 0, 65},        {511, 0, 0, 63},
+                 {511, 1279, 15, 255},  {100.5, 500.5, 6, 76}, // 100 and 500 (halves to even)
+                 {0, 20 * 1100, 275, 0}};                      // row 1100: high byte not masked
+    for (const auto& k : cases) {
+        test::TestMachine t;
+        PicdMouseMove(t.m(), k.x, k.y);
+        EXPECT_EQ(t.m().crtc.CrtcReg[16], 0);
+        LPENRefresh(t.m());
+        EXPECT_EQ(t.m().crtc.CrtcReg[16], k.high) << k.x << "," << k.y;
+        EXPECT_EQ(t.m().crtc.CrtcReg[17], k.low) << k.x << "," << k.y;
+    }
 }
 
 } // namespace

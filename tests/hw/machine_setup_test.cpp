@@ -22,12 +22,15 @@ struct Built {
     uint8_t At(int32_t offset) const { return m->bus.Mem[offset]; }
 };
 
-// Markers: 1 TVC12_D4, 2 TVC12_D3, 3 TVC12_D7, 4 TVC22_D6, 5 TVC22_D4,
-// 6 TVC22_D7, 7 hbf.rom in slot 0, 9 in slot 3; sndmx.rom's 8 KB pages 0x10-0x13.
+// Markers: 1 TVC12_D4, 2 TVC12_D3, 3 TVC12_D7, 6 TVC22_D7, 7 hbf.rom in slot
+// 0, 9 in slot 3; sndmx.rom's 8 KB pages 0x10-0x13. The other set's D6 is
+// short, filled with zeros, and its D4 long, cut.
 TEST(MachineInit, RomSetAndCardRomsFollowTheMenu) {
     for (bool other : {false, true}) {
         Built b;
         b.WriteMarkedRoms();
+        b.dir.Write("TVC22_D6.rom", {0xAA, 0xBB});
+        b.dir.Write("TVC22_D4.rom", std::vector<uint8_t>(9000, 0xCC));
         std::vector<uint8_t> snd(32768);
         for (size_t i = 0; i < snd.size(); ++i)
             snd[i] = static_cast<uint8_t>(0x10 + i / 8192);
@@ -36,9 +39,10 @@ TEST(MachineInit, RomSetAndCardRomsFollowTheMenu) {
         b.m->menu.xio0 = b.m->menu.xio2 = b.m->menu.xio3 = other;
         MachineInit(*b.m);
         ASSERT_FALSE(b.m->FatalStop);
-        EXPECT_EQ(b.At(0x18000), other ? 4 : 1);
-        EXPECT_EQ(b.At(0x19FFF), other ? 4 : 1);
-        EXPECT_EQ(b.At(0x1A000), other ? 5 : 2);
+        EXPECT_EQ(b.At(0x18000), other ? 0xAA : 1);
+        EXPECT_EQ(b.At(0x18002), other ? 0 : 1);
+        EXPECT_EQ(b.At(0x1A000), other ? 0xCC : 2);
+        EXPECT_EQ(b.At(0x1BFFF), other ? 0xCC : 2);
         EXPECT_EQ(b.At(0x1E000), other ? 6 : 3);
         EXPECT_EQ(b.At(0x1FFFF), other ? 6 : 3);
         EXPECT_EQ(b.At(0x1C000), 0); // the gap between system and extension ROM
@@ -48,19 +52,6 @@ TEST(MachineInit, RomSetAndCardRomsFollowTheMenu) {
         EXPECT_EQ(b.At(0x32000), other ? 9 : 0);
         EXPECT_EQ(b.At(0x14000), 0); // no cartridge
     }
-}
-
-TEST(MachineInit, ShortRomFillsWithZerosAndLongOneIsCut) {
-    Built b;
-    b.WriteMarkedRoms();
-    b.dir.Write("TVC12_D4.rom", {0xAA, 0xBB});
-    b.dir.Write("TVC12_D3.rom", std::vector<uint8_t>(9000, 0xCC));
-    MachineInit(*b.m);
-    EXPECT_EQ(b.At(0x18000), 0xAA);
-    EXPECT_EQ(b.At(0x18001), 0xBB);
-    EXPECT_EQ(b.At(0x18002), 0x00);
-    EXPECT_EQ(b.At(0x1BFFF), 0xCC);
-    EXPECT_EQ(b.At(0x1C000), 0x00);
 }
 
 TEST(MachineInit, MissingRomOrCartridgeIsFatal) {

@@ -27,7 +27,7 @@ int32_t Out(Machine& m, int32_t port, int32_t value) {
 
 // Ports with a latch, ports of a device or status (not latched) and ports
 // without a device (latched and logged as "<port>W").
-TEST(PortWrites, LatchedDeviceAndUnknownPorts) {
+TEST(PortWrites, LatchedDeviceSlotAndUnknownPorts) {
     const struct {
         bool latched, logged;
         std::vector<int> ports;
@@ -55,10 +55,8 @@ TEST(PortWrites, LatchedDeviceAndUnknownPorts) {
     Out(t.m(), 0x1FE, 0x15);
     EXPECT_EQ(t.m().bus.PortLatch[0], 0x15);
     EXPECT_EQ(t.m().bus.PortLatch[0xFE], 0);
-}
 
-TEST(PortWrites, SlotLinesAndAcknowledge) {
-    TestMachine t;
+    // The slot lines and port 7 acknowledge: each sets its status bit.
     uint8_t& status = t.m().bus.PortLatch[0x59];
     status = 0x00;
     const struct {
@@ -68,6 +66,18 @@ TEST(PortWrites, SlotLinesAndAcknowledge) {
         Out(t.m(), r.port, 0);
         EXPECT_EQ(status, (2 << r.bit) - 1) << r.port;
     }
+
+    // Ports 0x36 and 0x37 bring in an 8 KB page of sndmx.rom, unlatched.
+    std::vector<uint8_t> rom(32768);
+    for (size_t i = 0; i < rom.size(); ++i)
+        rom[i] = static_cast<uint8_t>(i / 8192 + 1);
+    t.dir->Write("sndmx.rom", rom);
+    for (int value : {0, 1, 6, 0x37}) {
+        Out(t.m(), 0x36 + (value & 1), value);
+        EXPECT_EQ(t.m().bus.Mem[0x30000], (value & 3) + 1) << value;
+        EXPECT_EQ(t.m().bus.Mem[0x31FFF], (value & 3) + 1) << value;
+    }
+    EXPECT_EQ(t.m().bus.PortLatch[0x36], 0);
 }
 
 // Selecting keeps five bits, data is masked to the register's width, both
@@ -184,24 +194,10 @@ TEST(PortLog, ReadsClearAt101EntriesWritesAfter35) {
     EXPECT_EQ(list.size(), 1u);
 }
 
-TEST(PortWrites, SoundCardPageComesFromTheRomFile) {
-    TestMachine t;
-    std::vector<uint8_t> rom(32768);
-    for (size_t i = 0; i < rom.size(); ++i)
-        rom[i] = static_cast<uint8_t>(i / 8192 + 1);
-    t.dir->Write("sndmx.rom", rom);
-    for (int value : {0, 1, 6, 0x37}) {
-        Out(t.m(), 0x36 + (value & 1), value);
-        EXPECT_EQ(t.m().bus.Mem[0x30000], (value & 3) + 1) << value;
-        EXPECT_EQ(t.m().bus.Mem[0x31FFF], (value & 3) + 1) << value;
-    }
-    EXPECT_EQ(t.m().bus.PortLatch[0x36], 0);
-}
-
 // Each code with a place sets exactly its own bit as port 0x58 reads it,
 // no two codes share a place, and every other code is swallowed. Which
 // code goes where is checked through the window's key map.
-TEST(Keyboard, EachCodeReadsBackAtItsOwnPlaceAndTheRestAreSwallowed) {
+TEST(Keyboard, EachCodeAtItsOwnPlaceTheAltRuleAndFunctionKeys) {
     TestMachine t;
     Machine& m = t.m();
     std::set<std::pair<int, int>> places;
@@ -224,28 +220,25 @@ TEST(Keyboard, EachCodeReadsBackAtItsOwnPlaceAndTheRestAreSwallowed) {
     EXPECT_EQ(places.size(), 71u); // all of rows 0 to 7, row 8 but bit 7
     for (uint8_t row : m.bus.KeyMatrix)
         EXPECT_EQ(row, 0);
-}
 
-// Alt alone never reaches the matrix and leaves the code alone; AltGr (Alt
-// with Ctrl) does reach it. F1 and F2 reset unless Alt is held.
-TEST(Keyboard, AltRuleAndFunctionKeys) {
-    TestMachine t;
+    // Alt alone never reaches the matrix and leaves the code alone; AltGr
+    // (Alt with Ctrl) does reach it. F1 and F2 reset unless Alt is held.
     int code = 'A';
-    PicdKeyDown(t.m(), code, kAltMask);
-    EXPECT_EQ(t.m().bus.KeyMatrix[4], 0);
+    PicdKeyDown(m, code, kAltMask);
+    EXPECT_EQ(m.bus.KeyMatrix[4], 0);
     EXPECT_EQ(code, 'A');
     code = 18;
-    PicdKeyDown(t.m(), code, kAltMask | kCtrlMask);
-    EXPECT_EQ(t.m().bus.KeyMatrix[7], 0x01);
-    PicdKeyUp(t.m(), 18, kAltMask);
-    EXPECT_EQ(t.m().bus.KeyMatrix[7], 0);
+    PicdKeyDown(m, code, kAltMask | kCtrlMask);
+    EXPECT_EQ(m.bus.KeyMatrix[7], 0x01);
+    PicdKeyUp(m, 18, kAltMask);
+    EXPECT_EQ(m.bus.KeyMatrix[7], 0);
 
     int f1 = 112, f2 = 113;
-    EXPECT_EQ(PicdKeyDown(t.m(), f1, 0), KeyCommand::Reset);
-    EXPECT_EQ(PicdKeyDown(t.m(), f2, kShiftMask), KeyCommand::Reset2);
+    EXPECT_EQ(PicdKeyDown(m, f1, 0), KeyCommand::Reset);
+    EXPECT_EQ(PicdKeyDown(m, f2, kShiftMask), KeyCommand::Reset2);
     EXPECT_EQ(f1, 112);
-    EXPECT_EQ(PicdKeyDown(t.m(), f1, kAltMask), KeyCommand::None);
-    EXPECT_EQ(t.m().forms.TTools.Label2, 112);
+    EXPECT_EQ(PicdKeyDown(m, f1, kAltMask), KeyCommand::None);
+    EXPECT_EQ(m.forms.TTools.Label2, 112);
 }
 
 // The calculator sets one field of the page register: bits 7-6 (four
@@ -502,8 +495,7 @@ TEST(MachineInit, MissingRomOrCartridgeIsFatal) {
         bool xio0, xio2;
         const char* cart;
         const char* text;
-    } cases[] = {{"TVC12_D7.rom", false, false, "", "Rom File error: "},
-                 {"sndmx.rom", false, true, "", "File not found: sndmx.rom"},
+    } cases[] = {{"sndmx.rom", false, true, "", "File not found: sndmx.rom"},
                  {nullptr, false, false, "game.crt", "File not found: game.crt"}};
     for (const auto& k : cases) {
         Built b;

@@ -461,7 +461,7 @@ TEST(Palette, WriteFillsTheLinesSinceTheLastOne) {
 // Bits 1, 5, 3 and 7 are blue, green, red and intensity of the Windows
 // colour (red in the low byte): half level, full with intensity, light grey
 // for the three without it, and intensity alone dark grey.
-TEST(Border, ColourBitsFollowTheStandardColours) {
+TEST(Raster, BorderColourBitsAndOutOfRangeFrameTimes) {
     test::TestMachine t;
     for (int v = 0; v < 256; ++v) {
         const uint32_t level = v & 0x80 ? 0xFF : 0x80;
@@ -472,10 +472,7 @@ TEST(Border, ColourBitsFollowTheStandardColours) {
         BorderSet(t.m(), v);
         EXPECT_EQ(t.m().crtc.BorderLine[0], want) << std::hex << v;
     }
-}
-
-TEST(Raster, OutOfRangeFrameTimesStayInsideTheTables) {
-    test::TestMachine t;
+    // Frame times out of range stay inside the border and palette tables.
     Machine& m = t.m();
     for (int32_t frameT : {-100000, -1, 62500 * 3, INT32_MAX}) {
         m.run.FrameT = frameT;

@@ -132,7 +132,7 @@ TEST(PortWrites, Port6StampsTheLevelIntoThisMomentsSlotOrStrobesThePrinter) {
 // pick (255 past row 10), the status byte with the colour-mode and
 // printer-ready bits, the cards' identification, and the tone timer, which
 // reads 255 and restarts at the reload of P4 and P5's low bits.
-TEST(PortReads, KeyboardStatusCardsAndToneTimer) {
+TEST(PortReads, KeyboardStatusCardsToneTimerAndTheLog) {
     TestMachine t;
     Machine& m = t.m();
     m.bus.KeyMatrix[3] = 0x21;
@@ -171,26 +171,24 @@ TEST(PortReads, KeyboardStatusCardsAndToneTimer) {
         EXPECT_EQ(PortIn(m, 0x5B), 255);
         EXPECT_EQ(m.run.SoundTimer, k.reload);
     }
-}
 
-// Reads of ports without a device answer 255 and are logged as "<port>R";
-// the log clears at 101 read entries, or after 35 on a write.
-TEST(PortLog, ReadsClearAt101EntriesWritesAfter35) {
-    TestMachine t;
-    auto& list = t.m().forms.TScreen.List1;
-    EXPECT_EQ(PortIn(t.m(), 0x31), 255);
-    EXPECT_EQ(PortIn(t.m(), 0x00), 255);
+    // None of those is logged. Reads of ports without a device answer 255
+    // and are logged as "<port>R"; the log clears at 101 read entries, or
+    // after 35 on a write.
+    auto& list = m.forms.TScreen.List1;
+    EXPECT_EQ(PortIn(m, 0x31), 255);
+    EXPECT_EQ(PortIn(m, 0x00), 255);
     EXPECT_EQ(list, (std::vector<std::string>{"49R", "0R"}));
     for (int i = 2; i < 101; ++i)
-        PortIn(t.m(), 0x31);
+        PortIn(m, 0x31);
     EXPECT_EQ(list.size(), 101u);
-    PortIn(t.m(), 0x31);
+    PortIn(m, 0x31);
     EXPECT_EQ(list.size(), 1u);
 
     list.assign(35, "x");
-    Out(t.m(), 0x31, 0);
+    Out(m, 0x31, 0);
     EXPECT_EQ(list.size(), 36u);
-    Out(t.m(), 0x31, 0);
+    Out(m, 0x31, 0);
     EXPECT_EQ(list.size(), 1u);
 }
 
@@ -414,7 +412,7 @@ TEST(MemoryMap, EveryRow) {
     EXPECT_TRUE(t.host.messages.empty());
 }
 
-TEST(MemoryMap, VideoErrorHookOnlyOnTheWindowAt8000) {
+TEST(MemoryMap, VideoErrorHookAtTheWindowAt8000AndTheMex4mbPage) {
     TestMachine t;
     Bus& b = t.m().bus;
     b.VideoErrorEnabled = 1;
@@ -427,12 +425,8 @@ TEST(MemoryMap, VideoErrorHookOnlyOnTheWindowAt8000) {
     EXPECT_EQ(b.Mem[0x10100], 0x40);
     EXPECT_EQ(MemRead(t.m(), 0x8100), 0x01); // page 1 read as it was...
     EXPECT_EQ(b.Mem[0x10100], 0x77);         // ...but page 0 took the fault
-}
 
-// The expansion page that port 0xA0 picks, 16 KB long: 0x10000 falls off it.
-TEST(MemoryMap, Mex4mbPagesComeFromPort0xA0) {
-    TestMachine t;
-    Bus& b = t.m().bus;
+    // The expansion page that port 0xA0 picks, 16 KB long: 0x10000 falls off it.
     b.SetCartName("mex4mb.crt");
     b.MexMem.assign(size_t(kMexPages) * kMexPageSize, 0);
     b.PortLatch[2] = 0x00; // the cartridge at 0xC000

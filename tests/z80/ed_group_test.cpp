@@ -176,10 +176,8 @@ TEST_F(EdGroup, LdirRoundsAreSeparateInstructionsWithInterruptsBetween) {
 
     Poke(56, 0xC9); // RET resumes the LDIR
     cpu.IrqRequest = 0;
-    Continue();
-    const Cost last = Continue();
-    EXPECT_EQ(last.t, 16);
-    EXPECT_EQ(last.len, 2);
+    Continue(2);
+    EXPECT_EQ(cpu.RegPC, kOrg + 2);
     EXPECT_EQ(Peek(0x3003), 0x13);
 }
 

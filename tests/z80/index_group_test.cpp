@@ -1,7 +1,8 @@
-// The index groups DD, FD, DDCB and FDCB: their separate cost tables, the
-// gated rows on the index halves, the undefined rows and the prefix chains,
-// the byte that runs after FDCB's SLL and after an undefined DDCB/FDCB row,
-// and the emulator's own FD opcodes.
+// The index groups DD, FD, DDCB and FDCB (the DD and FD costs are checked
+// in base_timing_test.cpp): the DDCB and FDCB costs, the gated rows on the
+// index halves, the undefined rows and the prefix chains, the byte that runs
+// after FDCB's SLL and after an undefined DDCB/FDCB row, and the emulator's
+// own FD opcodes.
 #include <set>
 
 #include "z80/CpuTest.h"
@@ -32,57 +33,6 @@ class IndexGroup : public CpuTest {
         cpu.RegSP = 0xE000;
     }
 };
-
-// clang-format off
-TEST_F(IndexGroup, DdAndFdCostsFollowTheirOwnTables) {
-    const struct {
-        std::vector<uint8_t> rest; // after the prefix
-        int32_t tDD, tFD, rDD, rFD, len;
-    } rows[] = {
-        {{0x09}, 15, 15, 1, 1, 1}, /* ADD IX,BC */ {{0x19}, 15, 15, 1, 1, 1}, /* ADD IX,DE */
-        {{0x29}, 15, 15, 1, 4, 1}, /* ADD IX,IX */ {{0x39}, 15, 15, 1, 4, 1}, /* ADD IX,SP */
-        {{0x21, 0x34, 0x12}, 19, 19, 1, 1, 3}, /* LD IX,nn */
-        {{0x22, 0x00, 0x40}, 20, 20, 2, 2, 3}, /* LD (nn),IX */ {{0x23}, 6, 6, 1, 1, 1}, /* INC IX */
-        {{0x2A, 0x00, 0x40}, 20, 20, 1, 1, 3}, /* LD IX,(nn) */
-        {{0x2B}, 6, 10, 1, 2, 1}, /* DEC IX: 6 against DEC IY 10 */
-        {{0x34, 0x05}, 23, 23, 1, 2, 2}, /* INC (IX+d) */ {{0x35, 0x05}, 23, 23, 1, 2, 2}, /* DEC (IX+d) */
-        {{0x36, 0x05, 0x99}, 19, 19, 1, 1, 3}, /* LD (IX+d),n */
-        {{0x46, 0x05}, 19, 19, 1, 2, 2}, /* LD B,(IX+d) */ {{0x4E, 0x05}, 19, 19, 1, 2, 2},
-        {{0x56, 0x05}, 19, 19, 1, 2, 2}, {{0x5E, 0x05}, 19, 19, 1, 2, 2},
-        {{0x66, 0x05}, 19, 19, 2, 2, 2}, /* LD H,(IX+d) */ {{0x6E, 0x05}, 19, 19, 1, 2, 2},
-        {{0x7E, 0x05}, 19, 19, 2, 2, 2}, /* LD A,(IX+d) */
-        {{0x70, 0x05}, 19, 20, 1, 1, 2}, /* LD (IX+d),r: 19 against 20 */ {{0x75, 0x05}, 19, 20, 1, 1, 2},
-        {{0x77, 0x05}, 19, 20, 1, 1, 2}, {{0x86, 0x05}, 19, 19, 1, 1, 2}, /* ADD A,(IX+d) */
-        {{0x8E, 0x05}, 19, 19, 1, 4, 2}, /* ADC */ {{0x96, 0x05}, 19, 19, 1, 1, 2}, /* SUB */
-        {{0x9E, 0x05}, 19, 19, 1, 5, 2}, /* SBC */ {{0xA6, 0x05}, 19, 19, 1, 1, 2},
-        {{0xBE, 0x05}, 19, 19, 1, 1, 2}, /* CP */ {{0xE1}, 10, 10, 1, 1, 1}, /* POP IX */
-        {{0xE3}, 23, 23, 2, 2, 1}, /* EX (SP),IX */ {{0xE5}, 15, 15, 1, 1, 1}, /* PUSH IX */
-        {{0xF9}, 10, 10, 2, 2, 1}, /* LD SP,IX */
-    };
-    for (uint8_t prefix : {DD, FD}) {
-        for (const auto& row : rows) {
-            SetUp();
-            std::vector<uint8_t> bytes{prefix};
-            for (uint8_t b : row.rest)
-                bytes.push_back(b);
-            const Cost c = Run(bytes);
-            EXPECT_EQ(c.t, prefix == DD ? row.tDD : row.tFD) << Hex(bytes);
-            EXPECT_EQ(c.r, prefix == DD ? row.rDD : row.rFD) << Hex(bytes);
-            EXPECT_EQ(c.len, 1 + row.len) << Hex(bytes);
-        }
-    }
-    EXPECT_EQ(UnknownOpcodes(), 0u);
-}
-// clang-format on
-
-TEST_F(IndexGroup, JpIndexJumpsForEightTStates) {
-    for (uint8_t prefix : {DD, FD}) {
-        const Cost c = Run({prefix, 0xE9});
-        EXPECT_EQ(c.t, 8);
-        EXPECT_EQ(c.r, 1);
-        EXPECT_EQ(cpu.RegPC, prefix == DD ? 0x2000 : 0x2100);
-    }
-}
 
 // Every row the tables do not list: the second byte is stepped over at no
 // cost, with "Unknown Opcode!", and the byte after it runs as a new

@@ -1,6 +1,5 @@
 // The base executor as a program sees it: branch targets, the stack and
-// program counter run-off cases, the exchanges and the reset state. Costs
-// are checked table-wide in base_timing_test.cpp.
+// program counter run-off cases, the exchanges and the reset state.
 #include "z80/CpuTest.h"
 
 namespace tvc::test {

@@ -1,12 +1,11 @@
-// The opcode tables as data: row layout, the help rows, and the loader's
-// report of a malformed row. The undocumented marks, the order of the rows
+// The opcode tables as data: row layout and the loader's report of a
+// malformed row. The undocumented marks, the order of the rows
 // and the assembler's keys are checked against z80dasm and pasmo by the
 // cross-check.
 #include "asm/OpcodeTables.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 
 #include "data/Embedded.h"
 #include "support/TestMachine.h"
@@ -20,48 +19,10 @@ std::string Resource(const char* name) {
     return text ? std::string(*text) : std::string();
 }
 
-std::vector<std::string> Lines(const std::string& text) {
-    std::vector<std::string> lines;
-    for (size_t pos = 0, eol; (eol = text.find("\r\n", pos)) != std::string::npos; pos = eol + 2)
-        lines.push_back(text.substr(pos, eol - pos));
-    return lines;
-}
-
-bool Starred(const std::string& row) {
-    return !row.empty() && row.back() == '*';
-}
-
-std::string HexField(const std::string& row) {
-    const std::string field = row.substr(1, 6);
-    return field.substr(0, field.find(' '));
-}
-
 TEST(OpcodeTables, EveryRowFitsItsLayout) {
     EXPECT_EQ(CheckOpcodeTable(OpcodeTable::Disasm, Resource("z80opcodes")), std::nullopt);
     EXPECT_EQ(CheckOpcodeTable(OpcodeTable::Asm, Resource("z80opcodesjav")), std::nullopt);
     EXPECT_EQ(CheckOpcodeTable(OpcodeTable::Info, Resource("z80opinfo")), std::nullopt);
-}
-
-TEST(OpcodeTables, HelpRowsFollowTheDisassemblerRows) {
-    const auto disasm = Lines(Resource("z80opcodes"));
-    std::vector<std::string> info;
-    for (const auto& line : Lines(Resource("z80opinfo")))
-        if (!line.empty()) info.push_back(line);
-    ASSERT_EQ(info.size() + 6, disasm.size());
-    for (size_t i = 0; i < info.size(); ++i) {
-        std::string name = disasm[i + 6].substr(13);
-        if (Starred(name)) name.pop_back();
-        if (name == "EX AF,AF\x92") name = "EX AF,AF'";
-        // The size is the opcode bytes and one byte per place-holder letter,
-        // the only lower-case letters of a disassembler row.
-        size_t size = HexField(disasm[i + 6]).size() / 2;
-        for (char c : name)
-            size += (c == 'n' || c == 'e' || c == 'd');
-        std::transform(name.begin(), name.end(), name.begin(), ::tolower);
-        EXPECT_TRUE(info[i].ends_with(">" + name + "<")) << info[i] << " / " << name;
-        EXPECT_EQ(info[i].substr(7, info[i].find('|', 7) - 7), std::to_string(size)) << info[i];
-    }
-    EXPECT_EQ(info[0], "------|1|4|No operation is performed.>nop<");
 }
 
 std::string Replace(std::string text, const std::string& from, const std::string& to) {

@@ -95,5 +95,46 @@ TEST_F(BaseTiming, EveryOpcodeBothWays) {
     }
 }
 
+// The DD and FD rows cost the published base row on HL plus 4 for the
+// prefix, and 8 more where (HL) becomes (IX+d) (5 for LD (IX+d),n). This
+// machine departs on LD IX,nn (19), INC IX (6), DEC IX (6; DEC IY 10), POP IX
+// (10) and LD (IY+d),r (20), and steps RegR by 1 but on the rows of rStep.
+TEST_F(BaseTiming, IndexRowsAddThePrefixAndTheDisplacement) {
+    const int rows[] = {0x09, 0x19, 0x29, 0x39, 0x21, 0x22, 0x23, 0x2A, 0x2B, 0x34,
+                        0x35, 0x36, 0x46, 0x4E, 0x56, 0x5E, 0x66, 0x6E, 0x7E, 0x70,
+                        0x71, 0x72, 0x73, 0x74, 0x75, 0x77, 0x86, 0x8E, 0x96, 0x9E,
+                        0xA6, 0xAE, 0xB6, 0xBE, 0xE1, 0xE3, 0xE5, 0xE9, 0xF9};
+    auto rStep = [](bool fd, int op) {
+        if (op == 0x22 || op == 0x66 || op == 0x7E || op == 0xE3 || op == 0xF9) return 2;
+        if (!fd) return 1;
+        if (op == 0x29 || op == 0x39 || op == 0x8E) return 4;
+        if (op == 0x9E) return 5;
+        return op == 0x2B || op == 0x34 || op == 0x35 || (op & 0xC7) == 0x46 ? 2 : 1;
+    };
+    for (int fd : {0, 1}) {
+        for (int op : rows) {
+            const bool d = (op >= 0x34 && op <= 0x36) ||
+                           (op >= 0x46 && op < 0xC0 && ((op & 7) == 6 || op >> 3 == 0x0E));
+            int t = kPublished[op] + 4 + (op == 0x36 ? 5 : d ? 8 : 0);
+            if (op == 0x21) t = 19;
+            if (op == 0x23 || (op == 0x2B && !fd)) t = 6;
+            if (op == 0xE1 || (op == 0x2B && fd)) t = 10;
+            if (fd && op >> 3 == 0x0E) t = 20;
+            cpu.RegIX = 0x2000;
+            cpu.RegIY = 0x2100;
+            cpu.RegSP = 0xE000;
+            const std::vector<uint8_t> bytes{uint8_t(fd ? 0xFD : 0xDD), uint8_t(op), 0x05, 0x40};
+            const Cost c = Run(bytes);
+            EXPECT_EQ(c.t, t) << Hex(bytes);
+            EXPECT_EQ(c.r, rStep(fd, op)) << Hex(bytes);
+            const int nn = op == 0x21 || op == 0x22 || op == 0x2A;
+            EXPECT_EQ(c.len,
+                      op == 0xE9 ? (fd ? 0x2100 : 0x2000) - kOrg : 2 + d + (op == 0x36) + 2 * nn)
+                << Hex(bytes);
+        }
+    }
+    EXPECT_EQ(UnknownOpcodes(), 0u);
+}
+
 } // namespace
 } // namespace tvc::test

@@ -1,7 +1,8 @@
-// The index groups DD, FD, DDCB and FDCB: their separate cost tables, the
-// gated rows on the index halves, the undefined rows and the prefix chains,
-// the byte that runs after FDCB's SLL and after an undefined DDCB/FDCB row,
-// and the emulator's own FD opcodes.
+// The index groups DD, FD, DDCB and FDCB (the DD and FD costs are checked
+// in base_timing_test.cpp): the DDCB and FDCB costs, the gated rows on the
+// index halves, the undefined rows and the prefix chains, the byte that runs
+// after FDCB's SLL and after an undefined DDCB/FDCB row, and the emulator's
+// own FD opcodes.
 #include <set>
 
 #include "z80/CpuTest.h"
@@ -32,57 +33,6 @@ class IndexGroup : public CpuTest {
         cpu.RegSP = 0xE000;
     }
 };
-
-// clang-format off
-TEST_F(IndexGroup, DdAndFdCostsFollowTheirOwnTables) {
-    const struct {
-        std::vector<uint8_t> rest; // after the prefix
-        int32_t tDD, tFD, rDD, rFD, len;
-    } rows[] = {
-        {{0x09}, 15, 15, 1, 1, 1}, /* ADD IX,BC */ {{0x19}, 15, 15, 1, 1, 1}, /* ADD IX,DE */
-        {{0x29}, 15, 15, 1, 4, 1}, /* ADD IX,IX */ {{0x39}, 15, 15, 1, 4, 1}, /* ADD IX,SP */
-        {{0x21, 0x34, 0x12}, 19, 19, 1, 1, 3}, /* LD IX,nn */
-        {{0x22, 0x00, 0x40}, 20, 20, 2, 2, 3}, /* LD (nn),IX */ {{0x23}, 6, 6, 1, 1, 1}, /* INC IX */
-        {{0x2A, 0x00, 0x40}, 20, 20, 1, 1, 3}, /* LD IX,(nn) */
-        {{0x2B}, 6, 10, 1, 2, 1}, /* DEC IX: 6 against DEC IY 10 */
-        {{0x34, 0x05}, 23, 23, 1, 2, 2}, /* INC (IX+d) */ {{0x35, 0x05}, 23, 23, 1, 2, 2}, /* DEC (IX+d) */
-        {{0x36, 0x05, 0x99}, 19, 19, 1, 1, 3}, /* LD (IX+d),n */
-        {{0x46, 0x05}, 19, 19, 1, 2, 2}, /* LD B,(IX+d) */ {{0x4E, 0x05}, 19, 19, 1, 2, 2},
-        {{0x56, 0x05}, 19, 19, 1, 2, 2}, {{0x5E, 0x05}, 19, 19, 1, 2, 2},
-        {{0x66, 0x05}, 19, 19, 2, 2, 2}, /* LD H,(IX+d) */ {{0x6E, 0x05}, 19, 19, 1, 2, 2},
-        {{0x7E, 0x05}, 19, 19, 2, 2, 2}, /* LD A,(IX+d) */
-        {{0x70, 0x05}, 19, 20, 1, 1, 2}, /* LD (IX+d),r: 19 against 20 */ {{0x75, 0x05}, 19, 20, 1, 1, 2},
-        {{0x77, 0x05}, 19, 20, 1, 1, 2}, {{0x86, 0x05}, 19, 19, 1, 1, 2}, /* ADD A,(IX+d) */
-        {{0x8E, 0x05}, 19, 19, 1, 4, 2}, /* ADC */ {{0x96, 0x05}, 19, 19, 1, 1, 2}, /* SUB */
-        {{0x9E, 0x05}, 19, 19, 1, 5, 2}, /* SBC */ {{0xA6, 0x05}, 19, 19, 1, 1, 2},
-        {{0xBE, 0x05}, 19, 19, 1, 1, 2}, /* CP */ {{0xE1}, 10, 10, 1, 1, 1}, /* POP IX */
-        {{0xE3}, 23, 23, 2, 2, 1}, /* EX (SP),IX */ {{0xE5}, 15, 15, 1, 1, 1}, /* PUSH IX */
-        {{0xF9}, 10, 10, 2, 2, 1}, /* LD SP,IX */
-    };
-    for (uint8_t prefix : {DD, FD}) {
-        for (const auto& row : rows) {
-            SetUp();
-            std::vector<uint8_t> bytes{prefix};
-            for (uint8_t b : row.rest)
-                bytes.push_back(b);
-            const Cost c = Run(bytes);
-            EXPECT_EQ(c.t, prefix == DD ? row.tDD : row.tFD) << Hex(bytes);
-            EXPECT_EQ(c.r, prefix == DD ? row.rDD : row.rFD) << Hex(bytes);
-            EXPECT_EQ(c.len, 1 + row.len) << Hex(bytes);
-        }
-    }
-    EXPECT_EQ(UnknownOpcodes(), 0u);
-}
-// clang-format on
-
-TEST_F(IndexGroup, JpIndexJumpsForEightTStates) {
-    for (uint8_t prefix : {DD, FD}) {
-        const Cost c = Run({prefix, 0xE9});
-        EXPECT_EQ(c.t, 8);
-        EXPECT_EQ(c.r, 1);
-        EXPECT_EQ(cpu.RegPC, prefix == DD ? 0x2000 : 0x2100);
-    }
-}
 
 // Every row the tables do not list: the second byte is stepped over at no
 // cost, with "Unknown Opcode!", and the byte after it runs as a new
@@ -189,43 +139,17 @@ TEST_F(IndexGroup, ExchangeWithTheStackAndLdSp) {
     EXPECT_EQ(cpu.RegSP, 0x1234);
 }
 
-// clang-format off
-TEST_F(IndexGroup, DdcbAndFdcbCostsFollowTheirOwnTables) {
-    const struct {
-        uint8_t op;
-        int32_t tDD, tFD, rDD, rFD;
-    } rows[] = {
-        {0x06, 23, 20, 1, 1}, /* RLC */ {0x0E, 23, 23, 1, 6}, /* RRC: FDCB steps R by 6 */
-        {0x16, 23, 23, 1, 1}, /* RL */ {0x1E, 23, 23, 1, 1}, /* RR */ {0x26, 6, 23, 1, 1}, /* SLA */
-        {0x2E, 6, 23, 1, 1}, /* SRA */ {0x3E, 6, 23, 1, 1}, /* SRL */ {0x46, 20, 20, 1, 1}, /* BIT 0 */
-        {0x7E, 20, 20, 1, 1}, /* BIT 7 */ {0x86, 23, 20, 1, 1}, /* RES 0 */ {0xBE, 23, 20, 1, 1}, /* RES 7 */
-        {0xC6, 23, 20, 1, 1}, /* SET 0 */ {0xFE, 23, 20, 1, 1}, /* SET 7 */
-    };
-    for (uint8_t prefix : {DD, FD}) {
-        for (const auto& row : rows) {
-            const Cost c = Run({prefix, 0xCB, 0x03, row.op});
-            EXPECT_EQ(c.t, prefix == DD ? row.tDD : row.tFD) << Hex({prefix, 0xCB, row.op});
-            EXPECT_EQ(c.r, prefix == DD ? row.rDD : row.rFD) << Hex({prefix, 0xCB, row.op});
-            EXPECT_EQ(c.len, 4) << Hex({prefix, 0xCB, row.op});
-        }
-    }
-    EXPECT_EQ(UnknownOpcodes(), 0u);
-}
-// clang-format on
-
 // The exerciser's shift group fails on purpose (FDCB SLL), so a shift on
-// (IX+d) is checked here; its BIT, SET and RES groups pass.
-TEST_F(IndexGroup, IndexedShiftWorksOnTheDisplacedByte) {
+// (IX+d) is checked here; its BIT, SET and RES groups pass. SLL (IX+d): the
+// result goes to memory and to the register of the low three bits. In FDCB
+// it moves RegPC only 2, so the last byte runs on its own.
+TEST_F(IndexGroup, ShiftsOnTheDisplacedByteAndFdcbSllRunsItsLastByte) {
     Poke(0x2000 - 3, 0x81);
     cpu.SetFlagsByte(0);
     Run({DD, 0xCB, 0xFD, 0x06}); // RLC (IX-3)
     EXPECT_EQ(Peek(0x1FFD), 0x03);
     EXPECT_EQ(Flags(), fP | fC);
-}
 
-// SLL (IX+d): the result goes to memory and to the register of the low three
-// bits. In FDCB it moves RegPC only 2, so the last byte runs on its own.
-TEST_F(IndexGroup, SllRowsWriteTheRegisterAndFdcbRunsItsLastByte) {
     Poke(0x2002, 0x40);
     Cost c = Run({DD, 0xCB, 0x02, 0x30}); // SLL (IX+2),B
     EXPECT_EQ(Peek(0x2002), 0x81);
@@ -255,12 +179,27 @@ TEST_F(IndexGroup, SllRowsWriteTheRegisterAndFdcbRunsItsLastByte) {
     EXPECT_EQ(Peek(0x2002), 0x40);
 }
 
-// After an undefined DDCB row RegPC stands on the opcode byte, after an
-// undefined FDCB row on the displacement; that byte runs as a base opcode.
-TEST_F(IndexGroup, UndefinedDdcbAndFdcbRowsFallThrough) {
+// The rows on (IX+d) of DDCB cost 23 (BIT 20; SLA, SRA and SRL 6) and those
+// of FDCB 20 (RRC, RL, RR, SLA, SRA and SRL 23), with a RegR step of 1 (6 for
+// FDCB RRC). After an undefined DDCB row RegPC stands on the opcode byte,
+// after an undefined FDCB row on the displacement; that byte runs as a base
+// opcode.
+TEST_F(IndexGroup, DdcbAndFdcbCostsAndUndefinedRowsFallThrough) {
     for (uint8_t prefix : {DD, FD}) {
         for (int op = 0; op < 256; ++op) {
-            if ((op & 7) == 6 || (op >= 0x30 && op <= 0x37)) continue;
+            if (op >= 0x30 && op <= 0x37) continue;
+            if ((op & 7) == 6) {
+                const bool shift = op == 0x26 || op == 0x2E || op == 0x3E,
+                           bit = op >= 0x40 && op < 0x80;
+                int t = bit ? 20 : shift ? 6 : 23;
+                if (prefix == FD) t = (op >= 0x0E && op < 0x40) ? 23 : 20;
+                const Cost c = Run({prefix, 0xCB, 0x03, uint8_t(op)});
+                EXPECT_EQ(c.t, t) << Hex({prefix, 0xCB, uint8_t(op)});
+                EXPECT_EQ(c.r, prefix == FD && op == 0x0E ? 6 : 1)
+                    << Hex({prefix, 0xCB, uint8_t(op)});
+                EXPECT_EQ(c.len, 4) << Hex({prefix, 0xCB, uint8_t(op)});
+                continue;
+            }
             cpu.RegB = cpu.RegC = 0x10;
             const size_t unknown = UnknownOpcodes();
             const std::vector<uint8_t> bytes{prefix, 0xCB, 0x0C, uint8_t(op)}; // 0C: INC C

@@ -27,18 +27,17 @@ TEST_F(Interrupts, HaltRepeatsUntilAnInterruptMovesPastIt) {
 
     cpu.IFF1 = cpu.IFF2 = 1;
     cpu.IrqRequest = 1;
-    tm.Step();
-    EXPECT_EQ(cpu.RegPC, 56);
-    EXPECT_EQ(cpu.Halted, 0);
-    EXPECT_EQ(Stacked(), kOrg + 1);
+    tm.Step(); // InterruptSampling checks where it goes and what it stacks
     EXPECT_EQ(cpu.TStates - t0, 12 + 4 + 11);
     EXPECT_EQ(cpu.RegR, 5);
     EXPECT_EQ(cpu.IFF1 + cpu.IFF2, 0);
     EXPECT_EQ(cpu.IrqRequest, 1); // stays until port 7 is written
 }
 
-TEST_F(Interrupts, PendingLineRaisesTheRequestAfterTheInstruction) {
-    tm.Load(kOrg, {0x00, 0x00});
+// A pending line raises the request only after the instruction; EI takes
+// effect at once.
+TEST_F(Interrupts, PendingLineRaisesTheRequestAfterTheInstructionAndEiHasNoDelay) {
+    tm.Load(kOrg, {0x00, 0x00, 0xFB, 0x00});
     cpu.IFF1 = cpu.IFF2 = 1;
     m.bus.PortLatch[0x59] &= ~0x01; // slot 0 line pending
     tm.Step();
@@ -46,14 +45,11 @@ TEST_F(Interrupts, PendingLineRaisesTheRequestAfterTheInstruction) {
     EXPECT_EQ(cpu.RegPC, kOrg + 1); // sampled before the line was looked at
     tm.Step();
     EXPECT_EQ(cpu.RegPC, 56);
-}
 
-TEST_F(Interrupts, EiHasNoDelay) {
-    tm.Load(kOrg, {0xFB, 0x00});
-    cpu.IrqRequest = 1;
+    cpu.RegPC = kOrg + 2; // EI with the request still raised
     tm.Step();
     EXPECT_EQ(cpu.RegPC, 56);
-    EXPECT_EQ(Stacked(), kOrg + 1);
+    EXPECT_EQ(Stacked(), kOrg + 3);
 }
 
 TEST_F(Interrupts, NmiIsTakenAfterEveryInstructionUntilReset) {

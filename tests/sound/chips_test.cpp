@@ -6,7 +6,6 @@
 
 #include "asm/TextLib.h"
 #include "core/ControlItems.h"
-#include "core/Numbers.h"
 #include "core/RunLoop.h"
 #include "hw/Ports.h"
 #include "sound/ChipPanels.h"
@@ -121,17 +120,6 @@ TEST(ChipPanels, SaaManualTickSetsTheWholeChip) {
     EXPECT_EQ(s.SaaAllEnable * 2 + s.SaaSync, 1);
 }
 
-// Key k plays the k-th semitone above middle C: its octave and byte land
-// within 0.1 % of 261.63 x 2^(k / 12) Hz, nearer than any neighbouring byte.
-TEST(ChipPanels, NoteKeysTuneChannelZero) {
-    FsaaControls c;
-    for (int k = 0; k < 13; ++k) {
-        SaaNoteKey(c, k);
-        const double hz = 15625.0 * std::pow(2, c.HScroll3[0]) / (511 - c.HScroll4[0]);
-        EXPECT_NEAR(hz / (261.6256 * std::pow(2, k / 12.0)), 1, 0.001) << k;
-    }
-}
-
 TEST(ChipPanels, SnManualBytesKeepTheReversedSplit) {
     const int freq[4] = {1, 1023, 512, 3}, volume[4] = {15, 1, 7, 15};
     TestMachine t;
@@ -165,30 +153,6 @@ TEST(ChipPanels, SnManualBytesKeepTheReversedSplit) {
     EXPECT_EQ(b[10], 0xE3);
 }
 
-TEST(ChipPanels, PicturesScaleTheLastBlock) {
-    TestMachine t;
-    Machine& m = t.m();
-    for (int x = 0; x < 441; ++x) {
-        m.saa.RightMatrix[4][x] = uint8_t(x % 256);
-        m.sn.SnMatrix[x][2] = int16_t(x - 220);
-        m.ay.AyColumns[1][x] = float(x % 33 - 16);
-        m.ay.AyColumns[4][x] = float(x % 2);
-        m.ym2.Ym2Matrix[7][x] = int16_t(135 - x);
-        m.sid.SidColumns[2][x] = float(x % 5) / 2 - 1;
-    }
-    const Trace saa = ScopeTrace(m, Scope::Saa, 4), sn = ScopeTrace(m, Scope::Sn, 2),
-                ay = ScopeTrace(m, Scope::Ay, 1), env = ScopeTrace(m, Scope::Ay, 4),
-                ym2 = ScopeTrace(m, Scope::Ym2413, 7), sid = ScopeTrace(m, Scope::Sid, 2);
-    for (int x = 0; x < kTracePoints; ++x) {
-        EXPECT_EQ(saa[x], RoundHalfEven(x / 10.0) + 32) << x;
-        EXPECT_EQ(sn[x], std::trunc((x - 220) / 20.0) + 32) << x;
-        EXPECT_EQ(ay[x], (x % 33 - 16) * 2 + 32) << x;
-        EXPECT_EQ(env[x], x % 2 * 30 + 32) << x;
-        EXPECT_EQ(ym2[x], std::trunc((135 - x) / 8.0) + 32) << x;
-        EXPECT_EQ(sid[x], RoundHalfEven((x % 5 / 2.0 - 1) * 30) + 32) << x;
-    }
-}
-
 TEST(ChipPanels, YmEditorPacksTheInstrument) {
     FYM3812Controls c;
     int* s = c.HScroll1;
@@ -220,24 +184,6 @@ TEST(ChipPanels, YmEditorPacksTheInstrument) {
             YmTextEnter(c, box, Hex2(v));
             ASSERT_EQ(YmTextValue(c, box), box == 2 || box == 3 ? std::min(v, 159) : v) << box;
         }
-}
-
-TEST(ChipPanels, SidBoxTakesHomeMachineAddresses) {
-    const struct {
-        const char *address, *value;
-        int reg, byte;
-    } rows[] = {{"54276", " 65x", 4, 65}, {"54000", "300", 0, 255}, {"99999", "-4", 255, 0}};
-    for (const auto& r : rows) {
-        FSIDControls c;
-        c.Text2 = r.address, c.Text3 = r.value;
-        const std::vector<PortWrite> want = {{0x38, uint8_t(r.reg)}, {0x39, uint8_t(r.byte)}};
-        EXPECT_EQ(SidBoxWrites(c), want) << r.address;
-    }
-    TestMachine t;
-    Machine& m = t.m();
-    m.forms.FSID.Text2 = "54273", m.forms.FSID.Text3 = "200";
-    SidWriteButton(m);
-    EXPECT_EQ(m.sid.SidRegs[1], 200);
 }
 
 } // namespace

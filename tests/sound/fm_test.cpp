@@ -199,17 +199,6 @@ void Reg2(Machine& m, int r, int v) {
     PortOut(m, 0x3D, v);
 }
 
-TEST(Ym2413, LatchMaskDecidesWhereWritesLand) {
-    const std::pair<int, int> cases[] = {{0x10, 0x10}, {0x12, 0x10}, {0x13, 0x11}, {0x1A, 0x10},
-                                         {0x0E, 0x04}, {0x3F, 0x35}, {0x40, -1},   {0xFF, -1}};
-    for (const auto& [address, lands] : cases) { // -1: lost above the registers
-        TestMachine t;
-        Reg2(t.m(), address, 0x5A);
-        for (int r = 0; r < 64; ++r)
-            ASSERT_EQ(t.m().ym2.Ym2Regs[r], r == lands ? 0x5A : 0) << address << " " << r;
-    }
-}
-
 TEST(Ym2413, StepsOfTheSineAtThePitchAndVolume) {
     const struct {
         int channel, fnum, block, volume;

@@ -145,19 +145,6 @@ struct Link : ::testing::Test {
     void SetHandshake(uint8_t b) { m->sound.MMDemo2.WriteMap(&b, 1); }
 };
 
-TEST_F(Link, AskingPlayerGetsTheUnitAtOnce) {
-    player.Ask();
-    SoundFrame(*m);
-    EXPECT_EQ(host.sleeps, 0);
-    EXPECT_EQ(player.Handshake(), kHandshakeDelivered);
-    uint8_t unit[kAudioUnitBytes];
-    ASSERT_TRUE(player.Take(unit));
-    EXPECT_EQ(unit[1], 7);
-    EXPECT_EQ(unit[4409], static_cast<uint8_t>(4409 * 7));
-    EXPECT_EQ(m->sound.BlockIndex, 0);
-    EXPECT_EQ(m->forms.Fsaa.Label11, "5");
-}
-
 // The frame waits while the player has not asked or not taken the last
 // unit; it returns with blocks missing and gives up on a byte it does not know.
 TEST_F(Link, WaitsByHandshakeAndBlocks) {
@@ -187,16 +174,6 @@ TEST_F(Link, WaitsByHandshakeAndBlocks) {
         EXPECT_EQ(player.Handshake(), r.after) << int(r.before);
         EXPECT_EQ(m->sound.BlockIndex, r.after == kHandshakeDelivered ? 0 : r.blocks);
     }
-}
-
-TEST_F(Link, MaxPaceNeitherWaitsNorDelivers) {
-    m->menu.xS6 = true;
-    int tapped = 0;
-    m->sound.DeliveryTap = [&](const uint8_t*, size_t bytes) { tapped += static_cast<int>(bytes); };
-    SoundFrame(*m);
-    EXPECT_EQ(host.sleeps, 0);
-    EXPECT_EQ(player.Handshake(), kHandshakeIdle);
-    EXPECT_EQ(tapped, kAudioUnitBytes);
 }
 
 // Without its template the button stays idle; with it the latest unit is kept.

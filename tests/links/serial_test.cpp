@@ -150,14 +150,6 @@ TEST(Printer, CodeTableAndBound) {
         const int want = b < 127 ? b : b >= 160 ? '.' : MonitorFontCode(b);
         EXPECT_EQ(PrinterCode(static_cast<uint8_t>(b)), want) << b;
     }
-    // The text holds at most 16 MiB, dropping the oldest.
-    TestMachine tm;
-    Machine& m = tm.m();
-    m.printer.Text1.assign(kPrinterHold, 'a');
-    Senddata(m, 'z');
-    EXPECT_LE(m.printer.Text1.size(), kPrinterHold);
-    EXPECT_EQ(m.printer.Text1.size() + m.printer.Dropped, kPrinterHold + 1);
-    EXPECT_EQ(m.printer.Text1.back(), 'z');
 }
 
 } // namespace

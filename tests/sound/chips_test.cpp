@@ -143,14 +143,6 @@ TEST(ChipPanels, SnManualBytesKeepTheReversedSplit) {
     ChipPanelsTick(m);
     EXPECT_EQ(m.sn.SnChannel[2].Attenuation, 15 - volume[2]);
     EXPECT_EQ(m.sn.SnNoise.NoiseType, 4);
-
-    FSN76489Controls wild; // held to the bars' ranges
-    wild.HScroll3[0] = 0, wild.HScroll3[3] = 7, wild.HScroll4[1] = 40;
-    const auto b = SnManualBytes(wild);
-    EXPECT_EQ(b[0], 0x80 + 15);
-    EXPECT_EQ(b[1], 63);
-    EXPECT_EQ(b[7], 0xBF - 15);
-    EXPECT_EQ(b[10], 0xE3);
 }
 
 TEST(ChipPanels, YmEditorPacksTheInstrument) {

@@ -92,12 +92,6 @@ TEST(Sn76489, ByteProtocolAndReset) {
     EXPECT_EQ(s.SnChannel[0].Attenuation, 15); // 0x9F: tone 0 silent and named
     EXPECT_EQ(s.SnChannel[0].High, 0x3C);
 
-    m.forms.FSN76489.Check3 = true; // "Manual"
-    Bytes(m, {0x90});
-    EXPECT_EQ(s.SnChannel[0].Attenuation, 15);
-    SnDecode(m, 0xFD, 0x90); // the panel's own path
-    EXPECT_EQ(s.SnChannel[0].Attenuation, 0);
-
     SnRender(m); // a reset silences the chip, its phases standing
     const float phase = s.SnPhase[0];
     SnReset(m);

@@ -57,41 +57,6 @@ TEST(Saa1099, FrequencyTableAndWritePath) {
     EXPECT_EQ(s.SaaLatch, 6);
 }
 
-// All six channels loud with their squares high at the block's start.
-void AllHigh(Machine& m, bool noise) {
-    for (int r = 0; r < 6; ++r)
-        Reg(m, r, 0xFF);
-    Reg(m, 20, 0x3F);
-    Reg(m, 21, noise ? 0x3F : 0);
-    Reg(m, 28, 1);
-    for (double& level : m.saa.SaaToneLevel)
-        level = 255;
-}
-
-TEST(Saa1099, LevelsSumToTheSideAndCapAt120) {
-    TestMachine t;
-    AllHigh(t.m(), false);
-    SaaRender(t.m());
-    const double low = RoundHalfEven(255 / 31.0 * 15), high = RoundHalfEven(255 / 30.0 * 15);
-    EXPECT_EQ(low, 123);
-    EXPECT_EQ(high, 128);
-    EXPECT_EQ(t.m().saa.LeftMatrix[0][0], low);
-    EXPECT_EQ(t.m().saa.RightMatrix[5][0], high);
-    EXPECT_EQ(t.m().saa.SaaLeft[0], RoundHalfEven((3 * low + 3 * high) / 8));
-    EXPECT_EQ(t.m().saa.SaaRight[0], 94);
-
-    TestMachine n;
-    AllHigh(n.m(), true);
-    n.m().saa.rnd = Rnd(7);
-    SaaRender(n.m());
-    int capped = 0;
-    for (int16_t v : n.m().saa.SaaLeft) {
-        capped += v == 120;
-        EXPECT_LE(v, 120);
-    }
-    EXPECT_GT(capped, 0);
-}
-
 TEST(Saa1099, SilenceAllEnableAndSyncLeaveThePhasesStanding) {
     const struct {
         const char* what;
@@ -152,28 +117,6 @@ TEST(Saa1099, EnvelopeShapesOverTwoBlocks) {
         EXPECT_EQ(m.saa.LeftMatrix[2][0],
                   RoundHalfEven(m.saa.Env[0][0] * (RoundHalfEven(255 / 31.0 * 15) / 255.0)));
     }
-}
-
-TEST(Saa1099, EnvelopeOneParticulars) {
-    TestMachine t;
-    Machine& m = t.m();
-    Reg(m, 9, 255), Reg(m, 16, 0x70), Reg(m, 5, 0xFF), Reg(m, 28, 1);
-    Reg(m, 25, 0x80 | 2 << 1); // shape 2, into envelope 0's buffer
-    SaaRender(m);
-    EXPECT_EQ(m.saa.Env[0][0], 250);
-    EXPECT_EQ(m.saa.Env[1][0], 0);
-    EXPECT_EQ(m.saa.SaaLeft[0], 0); // left side of channel 5: x / 255, all but muted
-    EXPECT_EQ(m.saa.RightMatrix[5][0], 0);
-
-    Reg(m, 24, 7 << 1); // envelope 0's later pass (shape 7, from 0) overwrites it
-    SaaRender(m);
-    EXPECT_EQ(m.saa.Env[0][0], 0);
-
-    Reg(m, 25, 0x81 | 1 << 1); // shape 1, inverted right
-    m.saa.SaaToneLevel[5] = 255, m.saa.SaaTonePhase[5] = 0;
-    SaaRender(m);
-    EXPECT_EQ(m.saa.LeftMatrix[5][0], RoundHalfEven(250 * (128 / 255.0)));
-    EXPECT_EQ(m.saa.RightMatrix[5][0], RoundHalfEven(5 * (128 / 255.0)));
 }
 
 TEST(Saa1099, NoiseRatesAndTheBorrowedRule) {

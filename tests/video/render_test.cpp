@@ -7,12 +7,11 @@
 // reach the picture through the snapshot fuzz target.
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <iterator>
 #include <ostream>
 
 #include "core/RunLoop.h"
 #include "hw/Ports.h"
+#include "support/Headless.h"
 #include "support/TestMachine.h"
 #include "video/Crtc.h"
 #include "video/LightPen.h"
@@ -393,11 +392,6 @@ TEST(ComposeFrame, BorderBehindThePictureBox) {
     }
 }
 
-std::vector<char> ReadAll(const std::string& name) {
-    std::ifstream in(name, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
-}
-
 TEST(Dumps, SaveScreenTakesPageZeroAndMemoryDumpKeepsTheTail) {
     test::TestMachine t;
     Machine& m = t.m();
@@ -410,17 +404,17 @@ TEST(Dumps, SaveScreenTakesPageZeroAndMemoryDumpKeepsTheTail) {
     ASSERT_TRUE(xSaveScrren(m));
     ASSERT_TRUE(xMemDump(m));
 
-    const auto screen = ReadAll("screen.bin");
+    const auto screen = test::Slurp("screen.bin");
     ASSERT_EQ(screen.size(), 16384u);
     EXPECT_EQ(static_cast<uint8_t>(screen[16383]), static_cast<uint8_t>(16383 * 7));
-    const auto dump = ReadAll("ramdump.bin");
+    const auto dump = test::Slurp("ramdump.bin");
     ASSERT_EQ(dump.size(), 70000u);
     EXPECT_EQ(static_cast<uint8_t>(dump[65535]), 0x5C);
     EXPECT_EQ(static_cast<uint8_t>(dump[65536]), 0xEE);
 
     std::filesystem::remove("ramdump.bin");
     ASSERT_TRUE(xMemDump(m));
-    EXPECT_EQ(ReadAll("ramdump.bin").size(), 65536u);
+    EXPECT_EQ(test::Slurp("ramdump.bin").size(), 65536u);
 }
 
 // A write fills the lines since the last one, its own line included, in all
